@@ -1,0 +1,34 @@
+# What every target built here has in common. All of it is private to the targets: nothing reaches a parent project.
+
+include(CheckLinkerFlag)
+
+function(arxium_configure target)
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
+        $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+        $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
+        # Back traces name sources relative to the root, the same on every machine.
+        "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
+    if(ARXIUM_SANITIZE)
+        target_compile_options(${target} PRIVATE -fsanitize=${ARXIUM_SANITIZE} -fno-omit-frame-pointer
+                               -fno-sanitize-recover=all)
+        target_link_options(${target} PUBLIC -fsanitize=${ARXIUM_SANITIZE})
+    endif()
+endfunction()
+
+# A stand-in for a library that is not on this machine. A project that defines a target of that name first keeps its own.
+function(arxium_add_platform_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    add_library(${name} SHARED ${arg_SOURCES})
+    arxium_configure(${name})
+    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform>)
+    target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+    target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${ARXIUM_SANITIZE}>>:-Wl,--no-undefined>)
+endfunction()

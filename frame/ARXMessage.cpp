@@ -1,0 +1,19 @@
+#include "frame/ARXMessage.h"
+
+#include "ARXResource/ARXI18NRes.h"
+
+ARXMessage::ARXMessage(std::uint32_t id) : NEBMessage(ARXI18NRes::getString(0), id) {}
+
+ARXMessage::ARXMessage(char const* messageFile)
+    : NEBMessage(I18NString(messageFile, nullptr, -1, nullptr, nullptr))
+{
+}
+
+ARXMessage::~ARXMessage() = default;
+
+void ARXMessage::getMessage(char const* formatArgument, std::uint32_t id, I18NString& result)
+{
+    result.remove();
+    setMessage(id);
+    format(formatArgument, formatArgument, result);
+}

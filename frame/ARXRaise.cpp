@@ -1,0 +1,82 @@
+#include "frame/ARXRaise.h"
+
+#include <exception>
+#include <new>
+
+#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
+#include "NEBCore/I18NString.h"
+#include "NEBCore/NEBAssertError.h"
+#include "NEBCore/NEBMessageString.h"
+#include "NEBCore/NEBOutOfMemoryError.h"
+#include "NEBCore/NEBStdExceptionError.h"
+#include "frame/ARXException.h"
+
+namespace
+{
+char constexpr s_throwMacro[] = "NEB_THROW";
+char constexpr s_rethrowMacro[] = "NEB_RETHROW";
+
+void addText(ARXException& error, char const* text)
+{
+    try
+    {
+        error << NEBMessageString(I18NString(text, nullptr, -1, nullptr, nullptr));
+    }
+    catch (std::bad_alloc const&)
+    {
+        return;  // lack of memory may cost the message, never the error
+    }
+}
+}  // namespace
+
+void assertionFailed(NEBFileLocation const& where, char const* text)
+{
+    NEBAssertError(0, text).hurl(where, nullptr, s_throwMacro);
+}
+
+void raiseWithText(NEBFileLocation const& where, std::initializer_list<char const*> texts,
+                   char const* operation)
+{
+    ARXException error(1, 0);
+    for (char const* text : texts)
+        addText(error, text);
+    error.hurl(where, operation, s_throwMacro);
+}
+
+void raiseWithDetails(NEBFileLocation const& where, char*& details, char const* operation)
+{
+    ARXException error(1, 0);
+    if (details)
+    {
+        addText(error, details);
+        KRY_CryptoFree(details, nullptr);
+        details = nullptr;
+    }
+    error.hurl(where, operation, s_throwMacro);
+}
+
+void outOfMemory(NEBFileLocation const& where)
+{
+    NEBOutOfMemoryError(0, nullptr).hurl(where, nullptr, s_throwMacro);
+}
+
+void rethrowAllocation(NEBFileLocation const& where)
+{
+    try
+    {
+        throw;
+    }
+    catch (NEBThrowable& error)
+    {
+        error.addBackTrace(where, nullptr, s_rethrowMacro);
+        throw;
+    }
+    catch (std::bad_alloc const&)
+    {
+        outOfMemory(where);
+    }
+    catch (std::exception const& error)
+    {
+        NEBStdExceptionError(error).hurl(where, nullptr, s_throwMacro);
+    }
+}

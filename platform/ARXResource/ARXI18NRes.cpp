@@ -1,0 +1,44 @@
+#include "ARXResource/ARXI18NRes.h"
+
+#include <map>
+
+#include "NEBCore/NEBMessageCatalogue.h"
+
+namespace
+{
+char constexpr s_messageFile[] = "ArxiumMessages";
+
+char const* findMessage(std::uint32_t id)
+{
+    switch (id)
+    {
+    case 1:
+        return "The file {0} can't be opened.";
+    case 2:
+        return "The archive {0} can't be read.";
+    case 3:
+        return "The session {0} can't be opened.";
+    default:
+        return nullptr;
+    }
+}
+
+std::map<int, I18NString> const& makeStrings()
+{
+    NEBMessageCatalogue::install(s_messageFile, findMessage);
+    return *new std::map<int, I18NString>{{0, s_messageFile},
+                                          {1, "fileEncryption"},
+                                          {2, "on"},
+                                          {6, "gatewayUrl"},
+                                          {7, "externalDispatcherUrl"}};
+}
+}  // namespace
+
+I18NString const& ARXI18NRes::getString(int id)
+{
+    // Made on first use and never destroyed: hosts may ask before main and while the process ends.
+    static std::map<int, I18NString> const& s_strings = makeStrings();
+    static I18NString const& s_empty = *new I18NString;
+    auto const found = s_strings.find(id);
+    return found == s_strings.end() ? s_empty : found->second;
+}

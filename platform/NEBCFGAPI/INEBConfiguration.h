@@ -1,0 +1,16 @@
+// The configuration as its readers see it. Any number of threads may read at once.
+
+#ifndef NEBCFGAPI_INEBCONFIGURATION_H
+#define NEBCFGAPI_INEBCONFIGURATION_H
+
+#include "NEBCore/I18NString.h"
+
+class __attribute__((visibility("default"))) INEBConfiguration
+{
+public:
+    virtual ~INEBConfiguration() = default;
+    // The setting's value; empty for an unknown key. The last argument is reserved.
+    virtual I18NString getConfigurationValue(I18NString const& key, void*) = 0;
+};
+
+#endif

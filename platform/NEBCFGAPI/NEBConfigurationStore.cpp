@@ -1,0 +1,80 @@
+#include "NEBCFGAPI/NEBConfigurationStore.h"
+
+#include <fstream>
+#include <utility>
+
+#include "NEBCore/NEBException.h"
+#include "NEBCore/NEBThreadGuard.h"
+
+namespace
+{
+std::string trimmed(std::string const& text)
+{
+    char const* const blanks = " \t\r";
+    std::size_t const first = text.find_first_not_of(blanks);
+    return first == std::string::npos ? std::string()
+                                      : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+[[noreturn]] void refuse(std::string const& path, std::string const& reason)
+{
+    NEBException((path + reason).c_str()).hurl(NEB_HERE, "NEBConfigurationStore::load", "NEB_THROW");
+}
+}  // namespace
+
+NEBConfigurationStore::NEBConfigurationStore() : m_lock(0) {}
+
+NEBConfigurationStore& NEBConfigurationStore::getStore()
+{
+    // Never destroyed, so that readers are served while the process ends.
+    static NEBConfigurationStore& s_store = *new NEBConfigurationStore;
+    return s_store;
+}
+
+I18NString NEBConfigurationStore::getConfigurationValue(I18NString const& key, void*)
+{
+    NEBThreadGuard const guard(m_lock);
+    auto const found = m_settings.find(key);
+    return found == m_settings.end() ? I18NString() : found->second;
+}
+
+void NEBConfigurationStore::setValue(I18NString const& key, I18NString const& value)
+{
+    NEBThreadGuard const guard(m_lock);
+    m_settings[key] = value;
+}
+
+void NEBConfigurationStore::clear()
+{
+    NEBThreadGuard const guard(m_lock);
+    m_settings.clear();
+}
+
+void NEBConfigurationStore::load(std::string const& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        refuse(path, ": can't be opened");
+
+    Settings read;
+    std::string line;
+    for (int number = 1; std::getline(file, line); ++number)
+    {
+        line = trimmed(line);
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::size_t const equals = line.find('=');
+        std::string const key = trimmed(line.substr(0, equals));
+        std::string const place = ":" + std::to_string(number);
+        if (equals == std::string::npos || key.empty())
+            refuse(path, place + ": no \"key=value\"");
+        if (!read.emplace(key.c_str(), trimmed(line.substr(equals + 1)).c_str()).second)
+            refuse(path, place + ": \"" + key + "\" is set twice");
+    }
+    if (file.bad())
+        refuse(path, ": can't be read");
+
+    NEBThreadGuard const guard(m_lock);
+    for (auto& [key, value] : read)
+        m_settings[key] = std::move(value);
+}

@@ -1,0 +1,67 @@
+// A growing buffer of bytes. One object serves one thread at a time.
+//
+// Growth is geometric. A size that can't be had raises NEBOutOfMemoryError and leaves the buffer as it was.
+
+#ifndef NEBCORE_NEBBYTEBUFFER_H
+#define NEBCORE_NEBBYTEBUFFER_H
+
+#include <cstddef>
+
+#include "NEBCore/NEBCoreExport.h"
+
+class NEBCORE_API NEBByteBuffer
+{
+public:
+    // Both in bytes: the room of the first allocation, made when it is first needed, and the least by which
+    // it grows.
+    NEBByteBuffer(std::size_t initialSize, std::size_t increment);
+    ~NEBByteBuffer();
+
+    NEBByteBuffer(NEBByteBuffer const&) = delete;
+    NEBByteBuffer& operator=(NEBByteBuffer const&) = delete;
+
+    // Empties the buffer; its room stays.
+    void reset() { m_count = 0; }
+    // The bytes, not terminated; null before the first allocation. Valid until the buffer grows.
+    char* str() { return m_bytes; }
+    char const* str() const { return m_bytes; }
+    // The number of bytes held.
+    std::size_t pcount() const { return m_count; }
+
+    // bytes may lie in this buffer.
+    void appendChars(char const* bytes, std::size_t size);
+    NEBByteBuffer& operator<<(char byte)
+    {
+        if (m_count == m_capacity)
+            grow(m_count + 1);
+        m_bytes[m_count++] = byte;
+        return *this;
+    }
+    // Without its terminator.
+    NEBByteBuffer& operator<<(char const* text);
+
+    // Makes room for size bytes in all. The bytes between pcount() and the room may be written before
+    // setLength.
+    void reserve(std::size_t size)
+    {
+        if (size > m_capacity)
+            grow(size);
+    }
+    // Sets pcount(); a length beyond the room is reserved first, its new bytes being undefined.
+    void setLength(std::size_t size)
+    {
+        reserve(size);
+        m_count = size;
+    }
+
+private:
+    void grow(std::size_t size);
+
+    std::size_t m_initialSize;
+    std::size_t m_increment;
+    char* m_bytes;  // from malloc; null before the first growth
+    std::size_t m_count;
+    std::size_t m_capacity;
+};
+
+#endif

@@ -1,0 +1,44 @@
+// An error with a severity, a code and messages.
+
+#ifndef NEBCORE_NEBEXCEPTION_H
+#define NEBCORE_NEBEXCEPTION_H
+
+#include <cstdint>
+
+#include "NEBCore/NEBMessageSet.h"
+#include "NEBCore/NEBThrowable.h"
+
+class NEBCORE_API NEBException : public NEBThrowable, public NEBMessageSet
+{
+public:
+    // Severity 1 and code 0 where the form doesn't say them. text (UTF-8, may be null for none) becomes a
+    // message.
+    explicit NEBException(std::int32_t code);
+    NEBException(NEBSeverity severity, std::int32_t code);
+    explicit NEBException(char const* text);
+    NEBException(NEBSeverity severity, char const* text);
+    NEBException(NEBException const& other) noexcept;
+    NEBException& operator=(NEBException const& other) noexcept;
+    ~NEBException() override;
+
+    NEBThrowable* clone() const override;
+    [[noreturn]] void hurl(NEBFileLocation const& where, char const* text, char const* macro) override;
+    // All messages, each on a line of its own.
+    char const* getMessage() override;
+    char const* getThrowableName() const override;
+    char const* toString() override;
+    char const* getMessage() const override;
+    void toString(char const* first, char const* second, I18NString& result, int indent) override;
+
+    // Adds a clone of message.
+    NEBException& operator<<(NEBMessageBase const& message);
+
+    NEBSeverity getSeverity() const { return m_severity; }
+    std::int32_t getCode() const { return m_code; }
+
+private:
+    NEBSeverity m_severity;
+    std::int32_t m_code;
+};
+
+#endif

@@ -1,0 +1,50 @@
+// Directory and path services. Static, without state: any number of threads may call at once.
+//
+// Both / and \ are separators. The text operations never look at the disk; the others tell failure by their
+// result.
+
+#ifndef NEBCORE_NEBFMDIR_H
+#define NEBCORE_NEBFMDIR_H
+
+#include <string>
+#include <vector>
+
+#include "NEBCore/NEBCoreExport.h"
+
+class I18NString;
+
+class NEBCORE_API NEBFmDir
+{
+public:
+    // Whether path names something of that type: 0x8000 a regular file, 0x4000 a directory, links followed. A
+    // path that is null, missing or of another type gives 0. The literal name is tried first, then the one
+    // with / for every \.
+    static int exists(char const* path, int mode);
+
+    // Splits behind the last separator. The file part of "a/" is empty, the directory part of "x" too, that
+    // of "/x" is
+    // "/". Either out may be null, and both may be the storage of path.
+    static void splitPath(std::string const& path, std::string* directory, std::string* file);
+
+    // An empty base takes name unchanged, one that ends in a separator takes it as it is, any other takes "/"
+    // first.
+    static void joinPath(std::string& base, std::string const& name);
+    static void joinPath(I18NString& base, I18NString const& name);
+
+    // Makes the directory and those above it, with mode 0777 less the umask. 0 if path is no directory
+    // afterwards; one that is there already counts as made, also by another process in between. The empty
+    // path is the current directory.
+    static int createRecursiveDir(std::string const& path);
+
+    // Replaces files and dirs (each may be null) by names sorted by byte: regular files and links to such,
+    // and real directories; without "." and "..", and without anything else. 0 if dirName can't be read; the
+    // lists are then empty.
+    static int readDir(char const* dirName, std::vector<std::string>* files, void*,
+                       std::vector<std::string>* dirs, void*);
+
+    // Makes path absolute and canonical in place: links resolved, no "." and "..", also where its last parts
+    // do not exist yet. An empty path stays empty.
+    static void resolveEffectivePath(std::string& path);
+};
+
+#endif

@@ -1,0 +1,70 @@
+#include "NEBCore/NEBMessage.h"
+
+#include <cstring>
+#include <string>
+
+#include "NEBCore/NEBMessageCatalogue.h"
+
+namespace
+{
+// Replaces {0} and {1} in one pass, so that braces in an argument stay as they are.
+std::string fillPlaces(char const* pattern, char const* first, char const* second)
+{
+    std::string filled;
+    while (*pattern)
+    {
+        bool const isFirst = std::strncmp(pattern, "{0}", 3) == 0;
+        if (isFirst || std::strncmp(pattern, "{1}", 3) == 0)
+        {
+            char const* argument = isFirst ? first : second;
+            filled += argument ? argument : "";
+            pattern += 3;
+        }
+        else
+            filled += *pattern++;
+    }
+    return filled;
+}
+}  // namespace
+
+NEBMessage::NEBMessage(I18NString const& file) : m_file(file) {}
+
+NEBMessage::NEBMessage(I18NString const& file, std::uint32_t id) : m_file(file)
+{
+    setMessage(id);
+}
+
+NEBMessage* NEBMessage::clone() const
+{
+    return new NEBMessage(*this);
+}
+
+char const* NEBMessage::getClassName() const
+{
+    return "NEBMessage";
+}
+
+void NEBMessage::format(char const* first, char const* second, I18NString& result) const
+{
+    char const* pattern = NEBMessageCatalogue::find(m_file.c_str(), getMessageId());
+    std::string const text = pattern ? fillPlaces(pattern, first, second)
+                                     : m_file.c_str() + (":" + std::to_string(getMessageId()));
+    result.append(I18NString(text.c_str()));
+}
+
+void NEBMessage::toString(char const* first, char const* second, I18NString& result, int indent) const
+{
+    result.remove();
+    result.append(u' ', indent);
+    format(first, second, result);
+}
+
+I18NString const& NEBMessage::getMsgFile() const
+{
+    return m_file;
+}
+
+void NEBMessage::setMsgFile(I18NString const& file)
+{
+    m_file = file;
+}

@@ -1,0 +1,35 @@
+// A message that an exception can carry.
+
+#ifndef NEBCORE_NEBMESSAGEBASE_H
+#define NEBCORE_NEBMESSAGEBASE_H
+
+#include <cstdint>
+
+#include "NEBCore/NEBCoreExport.h"
+
+class I18NString;
+
+// An integer, not an enumeration: an enumeration would make NEBException(1, 0) choose another constructor.
+// 1 is an error; the higher the number, the graver.
+using NEBSeverity = std::int32_t;
+
+class NEBCORE_API NEBMessageBase
+{
+public:
+    // The virtual operations keep this order: it is the order of their slots.
+    virtual ~NEBMessageBase();
+    // A new object of the same class, owned by the caller.
+    virtual NEBMessageBase* clone() const = 0;
+    virtual char const* getClassName() const = 0;
+    // Appends the message's text to result. first and second (may be null) fill the places {0} and {1}.
+    virtual void format(char const* first, char const* second, I18NString& result) const = 0;
+    // As format, behind indent blanks, into a result that is replaced.
+    virtual void toString(char const* first, char const* second, I18NString& result, int indent) const = 0;
+    virtual NEBSeverity getSeverity() const;
+    virtual void setSeverity(NEBSeverity severity);
+
+private:
+    NEBSeverity m_severity = 1;
+};
+
+#endif

@@ -1,0 +1,26 @@
+// Message texts by file name and number.
+//
+// A catalogue is a function, so that its texts can be constants of the library that brings it. All operations
+// may be called from any thread at any time, also before I18NInitialize.
+
+#ifndef NEBCORE_NEBMESSAGECATALOGUE_H
+#define NEBCORE_NEBMESSAGECATALOGUE_H
+
+#include <cstdint>
+
+#include "NEBCore/NEBCoreExport.h"
+
+class NEBCORE_API NEBMessageCatalogue
+{
+public:
+    // Gives the UTF-8 text with the places {0} and {1}, or null for an unknown number. The text must stay
+    // valid.
+    using Lookup = char const* (*)(std::uint32_t id);
+
+    // Makes lookup the catalogue of that name; an earlier one of the same name is replaced.
+    static void install(char const* file, Lookup lookup);
+    // Null where the file or the number is unknown.
+    static char const* find(char const* file, std::uint32_t id);
+};
+
+#endif

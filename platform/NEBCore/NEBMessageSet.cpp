@@ -1,0 +1,21 @@
+#include "NEBCore/NEBMessageSet.h"
+
+NEBMessageSet::~NEBMessageSet() = default;
+
+void NEBMessageSet::addMessage(NEBMessageBase const& message)
+{
+    m_messages.push(std::shared_ptr<NEBMessageBase const>(message.clone()));
+}
+
+void NEBMessageSet::transferMessages(NEBMessageSet const& source)
+{
+    m_messages.transferFrom(source.m_messages);
+}
+
+std::vector<NEBMessageBase const*> NEBMessageSet::getMessages() const
+{
+    std::vector<NEBMessageBase const*> messages;
+    for (auto const* message : m_messages.entries())
+        messages.push_back(message->get());
+    return messages;
+}

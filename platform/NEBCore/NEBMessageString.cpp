@@ -1,0 +1,25 @@
+#include "NEBCore/NEBMessageString.h"
+
+NEBMessageString::NEBMessageString(I18NString const& text) : m_text(text) {}
+
+NEBMessageString* NEBMessageString::clone() const
+{
+    return new NEBMessageString(*this);
+}
+
+char const* NEBMessageString::getClassName() const
+{
+    return "NEBMessageString";
+}
+
+void NEBMessageString::format(char const*, char const*, I18NString& result) const
+{
+    result.append(m_text);
+}
+
+void NEBMessageString::toString(char const*, char const*, I18NString& result, int indent) const
+{
+    result.remove();
+    result.append(u' ', indent);
+    result.append(m_text);
+}

@@ -1,0 +1,78 @@
+#include "NEBCore/NEBThrowable.h"
+
+#include <new>
+#include <utility>
+
+#include "NEBCore/I18NString.h"
+
+NEBBackTraceEntry::NEBBackTraceEntry(NEBFileLocation const& where, char const* text, char const* macro)
+    : m_where(where), m_hasText(text != nullptr), m_text(text ? text : ""), m_macro(macro)
+{
+}
+
+NEBThrowable::NEBThrowable() = default;
+
+NEBThrowable::NEBThrowable(NEBThrowable const& other) noexcept : m_backTrace(other.m_backTrace) {}
+
+NEBThrowable& NEBThrowable::operator=(NEBThrowable const& other) noexcept
+{
+    m_backTrace = other.m_backTrace;
+    return *this;
+}
+
+NEBThrowable::~NEBThrowable() = default;
+
+char const* NEBThrowable::getMessage()
+{
+    return static_cast<NEBThrowable const*>(this)->getMessage();
+}
+
+char const* NEBThrowable::toString()
+{
+    I18NString text;
+    toString(nullptr, nullptr, text, 0);
+    return keepText(text.c_str());
+}
+
+char const* NEBThrowable::getMessage() const
+{
+    return "";
+}
+
+void NEBThrowable::toString(char const*, char const*, I18NString& result, int indent)
+{
+    std::string text(static_cast<std::size_t>(indent), ' ');
+    text += getThrowableName();
+    std::string const message = getMessage();
+    if (!message.empty())
+        text += ": " + message;
+    result = I18NString(text.c_str());
+}
+
+void NEBThrowable::addBackTrace(NEBFileLocation const& where, char const* text, char const* macro) noexcept
+{
+    try
+    {
+        m_backTrace.push(NEBBackTraceEntry(where, text, macro));
+    }
+    catch (std::bad_alloc const&)
+    {
+        return;  // as the header says: the error itself must get through
+    }
+}
+
+void NEBThrowable::transferBackTrace(NEBThrowable const& source)
+{
+    m_backTrace.transferFrom(source.m_backTrace);
+}
+
+std::vector<NEBBackTraceEntry const*> NEBThrowable::getBackTrace() const
+{
+    return m_backTrace.entries();
+}
+
+char const* NEBThrowable::keepText(std::string text) const
+{
+    m_keptText = std::move(text);
+    return m_keptText.c_str();
+}

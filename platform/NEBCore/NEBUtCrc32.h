@@ -1,0 +1,34 @@
+// CRC-32 as zlib and RFC 1952 compute it. A result can seed the next call: the checksum of two pieces is that
+// of both together. No bytes give the seed back. Any number of threads may call at once.
+
+#ifndef NEBCORE_NEBUTCRC32_H
+#define NEBCORE_NEBUTCRC32_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "NEBCore/NEBCoreExport.h"
+
+class NEBCORE_API NEBUtCrc32
+{
+public:
+    // Over the bytes up to the terminator.
+    static std::uint32_t crc32(char const* text, std::uint32_t seed);
+    static std::uint32_t crc32(std::uint32_t seed, void const* bytes, std::size_t size)
+    {
+        return size == 1 ? crc32Byte(seed, *static_cast<unsigned char const*>(bytes))
+                         : crc32Bytes(seed, bytes, size);
+    }
+
+private:
+    // Inline, because a checksum over folded text comes one byte at a time.
+    static std::uint32_t crc32Byte(std::uint32_t seed, unsigned char byte)
+    {
+        return ~(s_table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8);
+    }
+    static std::uint32_t crc32Bytes(std::uint32_t seed, void const* bytes, std::size_t size);
+
+    static std::uint32_t const s_table[256];
+};
+
+#endif
