@@ -15,7 +15,10 @@
 
 namespace
 {
-char constexpr s_separators[] = "/\\";
+bool isSeparator(char byte)
+{
+    return byte == '/' || byte == '\\';
+}
 
 struct CloseDir
 {
@@ -100,19 +103,19 @@ int NEBFmDir::exists(char const* path, int mode)
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
 {
-    std::size_t const last = path.find_last_of(s_separators);
-    bool const hasDirectory = last != std::string::npos;
-    std::string head = hasDirectory ? path.substr(0, last == 0 ? 1 : last) : std::string();
-    std::string tail = hasDirectory ? path.substr(last + 1) : path;
+    std::size_t tail = path.size();
+    while (tail > 0 && !isSeparator(path[tail - 1]))
+        --tail;
+    std::string name = file ? path.substr(tail) : std::string();
     if (directory)
-        *directory = std::move(head);
+        *directory = path.substr(0, tail > 1 ? tail - 1 : tail);
     if (file)
-        *file = std::move(tail);
+        *file = std::move(name);
 }
 
 void NEBFmDir::joinPath(std::string& base, std::string const& name)
 {
-    bool const needsSeparator = !base.empty() && base.find_last_of(s_separators) != base.size() - 1;
+    bool const needsSeparator = !base.empty() && !isSeparator(base.back());
     base.append(needsSeparator ? 1 : 0, '/').append(name);
 }
 
