@@ -15,9 +15,9 @@
 
 namespace
 {
-bool isSeparator(char byte)
+bool isSeparator(char c)
 {
-    return byte == '/' || byte == '\\';
+    return c == '/' || c == '\\';
 }
 
 struct CloseDir
@@ -103,20 +103,22 @@ int NEBFmDir::exists(char const* path, int mode)
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
 {
-    std::size_t tail = path.size();
-    while (tail > 0 && !isSeparator(path[tail - 1]))
-        --tail;
-    std::string name = file ? path.substr(tail) : std::string();
+    auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
+    auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
+    // The separator goes with neither part, but for that of the root.
+    std::string head = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
+    std::string tail = path.substr(tailStart);
     if (directory)
-        *directory = path.substr(0, tail > 1 ? tail - 1 : tail);
+        *directory = std::move(head);
     if (file)
-        *file = std::move(name);
+        *file = std::move(tail);
 }
 
 void NEBFmDir::joinPath(std::string& base, std::string const& name)
 {
-    bool const needsSeparator = !base.empty() && !isSeparator(base.back());
-    base.append(needsSeparator ? 1 : 0, '/').append(name);
+    if (!base.empty() && !isSeparator(base.back()))
+        base += '/';
+    base += name;
 }
 
 void NEBFmDir::joinPath(I18NString& base, I18NString const& name)
