@@ -1,18 +1,113 @@
 #include "NEBCore/NEBFmDir.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "NEBCore/I18NString.h"
+#include "NEBCore/NEBFmName.h"
 
 namespace
 {
-char constexpr s_separators[] = "/\\";
+bool isSeparator(char c)
+{
+    return c == '/' || c == '\\';
+}
+
+struct CloseDir
+{
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+using DirPtr = std::unique_ptr<DIR, CloseDir>;
+
+bool hasType(std::string const& name, unsigned type)
+{
+    struct stat status;
+    return stat(name.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == (type & S_IFMT);
+}
+
+// Goes up only while the system misses a folder, so that the longest name it takes bounds the depth.
+bool makeDir(std::string const& name)
+{
+    if (mkdir(name.c_str(), 0777) == 0)
+        return true;
+    if (errno == ENOENT)
+    {
+        std::string parent;
+        NEBFmDir::splitPath(name, &parent, nullptr);
+        if ((parent.empty() || makeDir(parent)) && mkdir(name.c_str(), 0777) == 0)
+            return true;
+    }
+    return hasType(name, S_IFDIR);
+}
+
+// Asks for the type of an entry; 0 where it, or what it leads to, is gone or out of reach. False on failure.
+bool readType(int directory, char const* name, int flags, mode_t& type)
+{
+    struct stat status;
+    bool const isKnown = fstatat(directory, name, &status, flags) == 0;
+    type = isKnown ? status.st_mode & S_IFMT : 0;
+    return isKnown || errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == EACCES;
+}
+
+// The type of what may be listed: a link to a regular file counts as one, any other link as nothing.
+bool readEntryType(int directory, dirent const& entry, mode_t& type)
+{
+    type = DTTOIF(entry.d_type);
+    if (entry.d_type == DT_UNKNOWN && !readType(directory, entry.d_name, AT_SYMLINK_NOFOLLOW, type))
+        return false;
+    if (type != S_IFLNK)
+        return true;
+    bool const isRead = readType(directory, entry.d_name, 0, type);
+    type = type == S_IFREG ? type : 0;
+    return isRead;
+}
+
+bool listEntries(DIR* directory, std::vector<std::string>& files, std::vector<std::string>& dirs)
+{
+    errno = 0;
+    while (dirent const* entry = readdir(directory))
+    {
+        std::string const name = entry->d_name;
+        mode_t type = 0;
+        if (!readEntryType(dirfd(directory), *entry, type))
+            return false;
+        if (type == S_IFREG)
+            files.push_back(name);
+        else if (type == S_IFDIR && name != "." && name != "..")
+            dirs.push_back(name);
+        errno = 0;
+    }
+    return errno == 0;
+}
+
+void giveSorted(std::vector<std::string>& names, std::vector<std::string>* target)
+{
+    if (!target)
+        return;
+    std::sort(names.begin(), names.end());
+    target->swap(names);
+}
 }  // namespace
+
+int NEBFmDir::exists(char const* path, int mode)
+{
+    return path && hasType(NEBFmName::forReading(path), static_cast<unsigned>(mode));
+}
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
 {
-    std::size_t const last = path.find_last_of(s_separators);
-    bool const hasDirectory = last != std::string::npos;
-    std::string head = hasDirectory ? path.substr(0, last == 0 ? 1 : last) : std::string();
-    std::string tail = hasDirectory ? path.substr(last + 1) : path;
+    auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
+    auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
+    // The separator goes with neither part, but for that of the root.
+    std::string head = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
+    std::string tail = path.substr(tailStart);
     if (directory)
         *directory = std::move(head);
     if (file)
@@ -21,8 +116,9 @@ void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::s
 
 void NEBFmDir::joinPath(std::string& base, std::string const& name)
 {
-    bool const needsSeparator = !base.empty() && base.find_last_of(s_separators) != base.size() - 1;
-    base.append(needsSeparator ? 1 : 0, '/').append(name);
+    if (!base.empty() && !isSeparator(base.back()))
+        base += '/';
+    base += name;
 }
 
 void NEBFmDir::joinPath(I18NString& base, I18NString const& name)
@@ -30,4 +126,49 @@ void NEBFmDir::joinPath(I18NString& base, I18NString const& name)
     std::string joined = base.c_str();
     joinPath(joined, name.c_str());
     base = I18NString(joined.c_str());
+}
+
+int NEBFmDir::createRecursiveDir(std::string const& path)
+{
+    std::string const name = NEBFmName::forWriting(path);
+    return name.empty() || hasType(name, S_IFDIR) || makeDir(name);
+}
+
+int NEBFmDir::readDir(char const* dirName, std::vector<std::string>* files, void*,
+                      std::vector<std::string>* dirs, void*)
+{
+    std::vector<std::string> fileNames;
+    std::vector<std::string> dirNames;
+    DirPtr const directory(dirName ? opendir(NEBFmName::forReading(dirName).c_str()) : nullptr);
+    bool const isRead = directory && listEntries(directory.get(), fileNames, dirNames);
+    if (!isRead)
+    {
+        fileNames.clear();
+        dirNames.clear();
+    }
+    giveSorted(fileNames, files);
+    giveSorted(dirNames, dirs);
+    return isRead;
+}
+
+void NEBFmDir::resolveEffectivePath(std::string& path)
+{
+    if (path.empty())
+        return;
+
+    std::error_code error;
+    std::string const name = NEBFmName::forReading(path);
+    // A relative path whose first part is missing would stay relative.
+    std::filesystem::path const absolute = std::filesystem::absolute(name, error);
+    if (error)
+    {
+        path = "./" + name;
+        return;
+    }
+    std::string resolved = std::filesystem::weakly_canonical(absolute, error).string();
+    if (error)
+        resolved = absolute.string();
+    else if (resolved.size() > 1 && resolved.back() == '/')
+        resolved.pop_back();
+    path = std::move(resolved);
 }

@@ -1,7 +1,8 @@
 // Directory and path services. Static, without state: any number of threads may call at once.
 //
-// Both / and \ are separators. The text operations never look at the disk; the others tell failure by their
-// result.
+// Both / and \ are separators: what is read is looked up under its literal name first, then with / for every
+// \, and what is made gets / for every \. The text operations never look at the disk; the others tell failure
+// by their result and raise nothing but std::bad_alloc.
 
 #ifndef NEBCORE_NEBFMDIR_H
 #define NEBCORE_NEBFMDIR_H
@@ -17,17 +18,15 @@ class NEBCORE_API NEBFmDir
 {
 public:
     // Whether path names something of that type: 0x8000 a regular file, 0x4000 a directory, links followed. A
-    // path that is null, missing or of another type gives 0. The literal name is tried first, then the one
-    // with / for every \.
+    // path that is null, missing, unreachable or of another type gives 0.
     static int exists(char const* path, int mode);
 
     // Splits behind the last separator. The file part of "a/" is empty, the directory part of "x" too, that
-    // of "/x" is
-    // "/". Either out may be null, and both may be the storage of path.
+    // of
+    // "/x" is "/". Either out may be null, and both may be the storage of path.
     static void splitPath(std::string const& path, std::string* directory, std::string* file);
 
-    // An empty base takes name unchanged, one that ends in a separator takes it as it is, any other takes "/"
-    // first.
+    // Appends name, behind a "/" unless base is empty or ends in a separator.
     static void joinPath(std::string& base, std::string const& name);
     static void joinPath(I18NString& base, I18NString const& name);
 
@@ -37,13 +36,15 @@ public:
     static int createRecursiveDir(std::string const& path);
 
     // Replaces files and dirs (each may be null) by names sorted by byte: regular files and links to such,
-    // and real directories; without "." and "..", and without anything else. 0 if dirName can't be read; the
-    // lists are then empty.
+    // and real directories; without "." and "..", and without anything else, such as pipes and links that
+    // lead nowhere. 0 if dirName (null included) can't be read to its end; the lists are then empty.
     static int readDir(char const* dirName, std::vector<std::string>* files, void*,
                        std::vector<std::string>* dirs, void*);
 
-    // Makes path absolute and canonical in place: links resolved, no "." and "..", also where its last parts
-    // do not exist yet. An empty path stays empty.
+    // Makes path absolute and canonical in place: links resolved, no ".", ".." and closing separator, also
+    // where its last parts do not exist yet. An empty path stays empty. One that the system refuses to
+    // resolve (a loop of links, no permission) becomes only absolute, and where there is no current directory
+    // either, it begins with "./", so that its directory part is never empty.
     static void resolveEffectivePath(std::string& path);
 };
 
