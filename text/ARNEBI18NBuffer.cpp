@@ -1,0 +1,302 @@
+#include "text/ARNEBI18NBuffer.h"
+
+#include <cctype>
+#include <cstring>
+#include <memory>
+#include <ostream>
+
+#include "NEBCore/I18NString.h"
+#include "NEBCore/NEBDowncastSize.h"
+#include "NEBCore/NEBUtCrc32.h"
+#include "frame/ARXAssert.h"
+#include "frame/ARXNew.h"
+
+namespace
+{
+std::size_t constexpr s_unitSize = sizeof(unsigned short);
+
+struct UnitText
+{
+    explicit UnitText(unsigned short unit) : m_units{unit, 0} {}
+
+    unsigned short m_units[2];
+};
+
+std::uint64_t sizeOf(unsigned short const* text)
+{
+    if (!text || *text == 0)
+        return 0;
+    unsigned short const* end = text;
+    while (*end != 0)
+        ++end;
+    return static_cast<std::uint64_t>(end - text + 1) * s_unitSize;
+}
+
+std::uint64_t sizeOf(I18NString const& text)
+{
+    return static_cast<std::uint64_t>(text.size());
+}
+
+unsigned char foldCase(unsigned char byte)
+{
+    // The rest of ASCII is upper case in no locale, which saves most bytes the call.
+    bool const mayBeUpper = (byte >= 'A' && byte <= 'Z') || byte >= 0x80;
+    return mayBeUpper && std::isupper(byte) ? static_cast<unsigned char>(std::tolower(byte)) : byte;
+}
+}  // namespace
+
+ARNEBI18NBuffer::ARNEBI18NBuffer() : m_buffer(nullptr), m_capacity(0), m_size(0), m_crc(0), m_cssCrc(0)
+{
+    m_inlineBuffer[0] = 0;
+}
+
+ARNEBI18NBuffer::ARNEBI18NBuffer(ARNEBI18NBuffer const& other) : ARNEBI18NBuffer()
+{
+    assign(other.m_buffer, other.m_size);
+}
+
+ARNEBI18NBuffer::ARNEBI18NBuffer(I18NString const& text) : ARNEBI18NBuffer()
+{
+    assign(text.getExternalBuffer(), sizeOf(text));
+}
+
+ARNEBI18NBuffer::ARNEBI18NBuffer(unsigned short const* text) : ARNEBI18NBuffer()
+{
+    assign(text, sizeOf(text));
+}
+
+ARNEBI18NBuffer::ARNEBI18NBuffer(unsigned short const& unit) : ARNEBI18NBuffer()
+{
+    UnitText const text(unit);
+    assign(text.m_units, sizeof text.m_units);
+}
+
+ARNEBI18NBuffer::~ARNEBI18NBuffer()
+{
+    if (hasBlock())
+        delete[] m_buffer;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(ARNEBI18NBuffer const& other)
+{
+    if (this != &other)
+        assign(other.m_buffer, other.m_size);
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(I18NString const& text)
+{
+    assign(text.getExternalBuffer(), sizeOf(text));
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(unsigned short const* text)
+{
+    assign(text, sizeOf(text));
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(unsigned short const& unit)
+{
+    UnitText const text(unit);
+    assign(text.m_units, sizeof text.m_units);
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(ARNEBI18NBuffer const& other)
+{
+    append(other.m_buffer, other.m_size);
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(I18NString const& text)
+{
+    append(text.getExternalBuffer(), sizeOf(text));
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(unsigned short const* text)
+{
+    append(text, sizeOf(text));
+    return *this;
+}
+
+ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(unsigned short const& unit)
+{
+    UnitText const text(unit);
+    append(text.m_units, sizeof text.m_units);
+    return *this;
+}
+
+I18NString ARNEBI18NBuffer::getString() const
+{
+    if (m_size == 0)
+        return I18NString();
+    std::int32_t const size = NEBDowncastSize::int32(m_size, __FILE__, __LINE__);
+    I18NString text(size, nullptr, nullptr);
+    text.setTo(m_buffer, static_cast<std::uint32_t>(size));
+    return text;
+}
+
+void ARNEBI18NBuffer::getString(I18NString& text) const
+{
+    if (m_size == 0)
+        text.erase(0, -1);
+    else
+        text.setTo(m_buffer, NEBDowncastSize::uint32(m_size, __FILE__, __LINE__));
+}
+
+std::uint32_t ARNEBI18NBuffer::getCrc() const
+{
+    if (m_crc == 0 && m_size != 0 && m_buffer)
+        m_crc = NEBUtCrc32::crc32(0, m_buffer, m_size);
+    return m_crc;
+}
+
+std::uint32_t ARNEBI18NBuffer::getCssCrc() const
+{
+    if (m_cssCrc == 0 && m_size != 0 && m_buffer)
+    {
+        std::uint32_t crc = 0;  // not the member: storing that at each byte would double the time
+        for (std::uint64_t i = 0; i < m_size; ++i)
+        {
+            unsigned char const byte = foldCase(m_buffer[i]);
+            crc = NEBUtCrc32::crc32(crc, &byte, 1);
+        }
+        m_cssCrc = crc;
+    }
+    return m_cssCrc;
+}
+
+bool ARNEBI18NBuffer::operator==(ARNEBI18NBuffer const& other) const
+{
+    return m_size == other.m_size && (m_size == 0 || std::memcmp(m_buffer, other.m_buffer, m_size) == 0);
+}
+
+bool ARNEBI18NBuffer::operator==(I18NString const& text) const
+{
+    return m_size == sizeOf(text) &&
+           (m_size == 0 || std::memcmp(m_buffer, text.getExternalBuffer(), m_size) == 0);
+}
+
+bool ARNEBI18NBuffer::startsWith(ARNEBI18NBuffer const& other) const
+{
+    return comparesWith(other) && std::memcmp(m_buffer, other.m_buffer, other.getDataSize()) == 0;
+}
+
+bool ARNEBI18NBuffer::endsWith(ARNEBI18NBuffer const& other) const
+{
+    return comparesWith(other) &&
+           std::memcmp(m_buffer + (m_size - other.m_size), other.m_buffer, other.getDataSize()) == 0;
+}
+
+void ARNEBI18NBuffer::clear()
+{
+    reset();
+    m_inlineBuffer[0] = 0;
+}
+
+void ARNEBI18NBuffer::reserve(std::uint64_t bytes)
+{
+    if (m_capacity == 0)
+        createBuffer(bytes);
+}
+
+void ARNEBI18NBuffer::truncate(std::uint64_t units)
+{
+    if (units >= getCodepoints())
+        return;
+    NEB_ASSERT(m_buffer);
+    std::uint64_t const kept = units * s_unitSize;
+    std::memset(m_buffer + kept, 0, s_unitSize);
+    reset();
+    m_size = kept + s_unitSize;
+}
+
+void ARNEBI18NBuffer::reset()
+{
+    m_size = 0;
+    m_crc = 0;
+    m_cssCrc = 0;
+}
+
+void ARNEBI18NBuffer::createBuffer(std::uint64_t bytes)
+{
+    if (bytes > m_capacity)
+    {
+        if (hasBlock())
+            delete[] m_buffer;
+        m_buffer = nullptr;
+        m_capacity = 0;
+    }
+    if (m_buffer || bytes == 0)
+        return;
+
+    m_capacity = bytes;
+    if (bytes <= sizeof m_inlineBuffer)
+        m_buffer = reinterpret_cast<unsigned char*>(m_inlineBuffer);
+    else
+        NEB_NEW(m_buffer, new unsigned char[bytes]);
+}
+
+bool ARNEBI18NBuffer::hasBlock() const
+{
+    return m_buffer && m_buffer != reinterpret_cast<unsigned char const*>(m_inlineBuffer);
+}
+
+// Whether both have code units and other isn't the longer one.
+bool ARNEBI18NBuffer::comparesWith(ARNEBI18NBuffer const& other) const
+{
+    return m_buffer && other.m_buffer && other.m_size > s_unitSize && m_size >= other.m_size;
+}
+
+void ARNEBI18NBuffer::assign(void const* source, std::uint64_t size)
+{
+    // A text in our own storage always fits it, so that it is still whole when it is moved.
+    if (!m_buffer || size > m_capacity)
+    {
+        clear();
+        createBuffer(size);
+    }
+    if (size != 0)
+        std::memmove(m_buffer, source, size);
+    if (size == 0 || hasBlock())
+        m_inlineBuffer[0] = 0;
+    reset();
+    m_size = size;
+}
+
+void ARNEBI18NBuffer::append(void const* source, std::uint64_t size)
+{
+    if (size == 0)
+        return;
+    std::uint64_t const kept = getDataSize();
+    unsigned char* const old = m_buffer;
+    std::unique_ptr<unsigned char[]> const oldBlock(kept != 0 && hasBlock() ? old : nullptr);
+    if (kept != 0)
+        m_buffer = nullptr;
+    reset();
+    try
+    {
+        createBuffer(kept + size);
+    }
+    catch (...)
+    {
+        clear();  // the old text may still stand in m_inlineBuffer
+        throw;
+    }
+    if (kept != 0 && m_buffer != old)
+        std::memcpy(m_buffer, old, kept);
+    std::memmove(m_buffer + kept, source, size);  // source may be the old text, which lies there still
+    m_size = kept + size;
+}
+
+std::ostream& operator<<(std::ostream& stream, ARNEBI18NBuffer const& buffer)
+{
+    return stream << buffer.getString();
+}
+
+std::ostream& operator<<(std::ostream& stream, ARNEBI18NBuffer& buffer)
+{
+    return stream << buffer.getString();
+}
