@@ -33,13 +33,13 @@ void CryptoRecorder::reset()
         delete[] static_cast<char*>(memory.first);
     m_memory.clear(), m_sessions.clear(), m_settings.clear();
     m_calls.clear(), m_problems.clear(), m_counts.clear();
-    m_fault = {}, m_duringProtect = nullptr;
+    m_faults.clear(), m_duringProtect = nullptr;
 }
 
 void CryptoRecorder::failCall(std::string const& function, int call, Fault fault)
 {
-    m_fault = {function, fault}, m_faultCall = call;
-    m_counts.clear();
+    m_faults[function] = {call, fault};
+    m_counts[function] = 0;
 }
 
 std::vector<std::string> CryptoRecorder::takeCalls()
@@ -64,9 +64,11 @@ Fault CryptoRecorder::record(std::string const& function, std::string const& arg
 {
     std::lock_guard const guard(m_lock);
     m_calls.push_back(arguments.empty() ? function : function + " " + arguments);
-    if (++m_counts[function] != m_faultCall || m_fault.first != function)
+    int const count = ++m_counts[function];
+    auto const fault = m_faults.find(function);
+    if (fault == m_faults.end() || fault->second.first != count)
         return Fault::None;
-    return std::exchange(m_fault.second, Fault::None);
+    return std::exchange(fault->second.second, Fault::None);
 }
 
 std::int32_t CryptoRecorder::answer(Fault fault, char** details)

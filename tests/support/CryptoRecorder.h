@@ -31,10 +31,10 @@ public:
     static CryptoRecorder& get();
     void reset();
 
-    // Lets one call of a function, counted from 1, fail.
+    // Lets one call of a function, counted from 1 and from now on, fail; of each function at most one.
     void failCall(std::string const& function, int call, Fault fault);
     // Whether that call was made.
-    bool hasFailed() const { return m_fault.second == Fault::None; }
+    bool hasFailed(std::string const& function) { return m_faults[function].second == Fault::None; }
     // The calls since this was last asked: the function's name, then "S1" for the session, document or data.
     // Sessions and what is freed are named in the order in which, and as what, they were handed out.
     std::vector<std::string> takeCalls();
@@ -66,8 +66,7 @@ private:
     std::vector<std::string> m_calls;
     std::vector<std::string> m_problems;
     std::map<std::string, int> m_counts;
-    std::pair<std::string, Fault> m_fault;
-    int m_faultCall = 0;
+    std::map<std::string, std::pair<int, Fault>> m_faults;  // by function: which call
     std::vector<std::unique_ptr<Session>> m_sessions;
     std::map<void*, std::string> m_memory;
 };
