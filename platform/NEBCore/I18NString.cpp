@@ -256,7 +256,8 @@ void I18NString::append(I18NString const& text)
 
 void I18NString::replace(std::int32_t offset, std::int32_t length, char16_t unit, std::int32_t count)
 {
-    m_units.replace(clamp(offset), static_cast<std::size_t>(length), static_cast<std::size_t>(count), unit);
+    std::size_t const units = count > 0 ? static_cast<std::size_t>(count) : 0;
+    m_units.replace(clamp(offset), static_cast<std::size_t>(length), units, unit);
     changed();
 }
 
