@@ -36,7 +36,7 @@ public:
         std::uint32_t uncompressedSize;  // the same
         std::uint32_t internalAttributes;
         std::uint32_t externalAttributes;
-        bool isFolder;  // the stored name ends in a separator
+        bool isFolder;  // the name ends in a separator, or DOS marked the entry so
     };
 
     // As openZip; an archive that can't be opened leaves the object closed.
@@ -58,9 +58,9 @@ public:
     bool gotoNextFile();
 
     // Extracts every entry, from the first to the first that fails, into szFolder, which is made if need be;
-    // a null one means the archive's own folder. ignorePath drops the folders in the names of files. Each
-    // file gets its stored date, read as local time, where that is a date. False for an archive without
-    // entries.
+    // a null one means the archive's own folder. ignorePath drops the folders in the names of files; entries
+    // for folders are made all the same. Each file gets its stored date, read as local time, where that is a
+    // date. False for an archive without entries.
     //
     // Both "/" and "\" separate the elements of a name. A name that leads outside szFolder, or is longer than
     // 259 bytes, fails before anything is made for it. Links that stand in szFolder already are followed.
