@@ -51,7 +51,8 @@ public:
     // True also with nothing open.
     bool closeZip();
 
-    // 0 for a closed object, a failed call and an empty archive alike.
+    // As the archive tells it: of more than 65535 entries it may tell only 65535. 0 for a closed object, a
+    // failed call and an empty archive alike.
     int getFileCount();
     bool gotoFirstFile();
     // False at the end as well as on failure.

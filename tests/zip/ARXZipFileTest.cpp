@@ -144,14 +144,14 @@ TEST(ARXZipFileAddDirectory, WritesWhatEveryReaderReadsBack)
 
     EXPECT_THAT(namesIn(folder / "out.zip"), ElementsAre("a.txt", "big", "empty", "zeros", "deep/er/x"));
     ASSERT_TRUE(ARXUnzipFile::unzip((folder / "out.zip").c_str(), (folder / "ours").c_str(), false));
-    EXPECT_EQ(tree, readTree(folder / "ours"));
+    EXPECT_TRUE(tree == readTree(folder / "ours"));
     for (char const* reader :
          {"unzip -t out.zip", "7z t out.zip", "bsdtar -tf out.zip", "unzip out.zip -d a",
           "bsdtar -xf out.zip --one-top-level=b || (mkdir -p b && bsdtar -xf out.zip -C b)",
           "python3 -m zipfile -e out.zip c", "7z x -od out.zip"})
         EXPECT_EQ(0, run(folder.path(), reader)) << reader;
     for (char const* target : {"a", "b", "c", "d"})
-        EXPECT_EQ(tree, readTree(folder / target)) << target;
+        EXPECT_TRUE(tree == readTree(folder / target)) << target;
 }
 
 TEST(ARXZipFileAddDirectory, NamesEntriesByTheBase)
@@ -255,7 +255,9 @@ TEST_P(ARXZipFileDate, IsLocalTimeAndComesBack)
 {
     DateCase const& row = GetParam();
     TimeZone const zone(row.m_zone);
+    setenv("TMPDIR", "/dev/shm", 0);  // other file systems hold fewer years
     TemporaryFolder const folder;
+    unsetenv("TMPDIR");
     writeAll(folder / "f", "x");
     timespec const times[] = {{row.m_time, 0}, {row.m_time, 0}};
     struct stat status;

@@ -14,6 +14,8 @@ namespace fs = std::filesystem;
 
 std::string readAll(std::string const& path)
 {
+    if (fs::is_directory(path))
+        return {};
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }

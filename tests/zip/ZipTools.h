@@ -16,6 +16,7 @@
 // Path and contents; a folder's path ends in "/".
 using Tree = std::map<std::string, std::string>;
 
+// Nothing for a folder.
 std::string readAll(std::string const& path);
 void writeAll(std::string const& path, std::string const& bytes);
 Tree readTree(std::string const& folder);
