@@ -24,7 +24,7 @@ struct UnitText
 
 using UnitBlock = unsigned short __attribute__((vector_size(16), may_alias));
 
-bool hasZero(UnitBlock const& block)
+bool hasZero(UnitBlock block)
 {
     auto const zeros = block == 0;
     std::uint64_t halves[2];
