@@ -3,12 +3,12 @@
 #include <exception>
 #include <new>
 
-#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "NEBCore/I18NString.h"
 #include "NEBCore/NEBAssertError.h"
 #include "NEBCore/NEBMessageString.h"
 #include "NEBCore/NEBOutOfMemoryError.h"
 #include "NEBCore/NEBStdExceptionError.h"
+#include "frame/ARXDetails.h"
 #include "frame/ARXException.h"
 
 namespace
@@ -47,11 +47,8 @@ void raiseWithDetails(NEBFileLocation const& where, char*& details, char const* 
 {
     ARXException error(1, 0);
     if (details)
-    {
         addText(error, details);
-        KRY_CryptoFree(details, nullptr);
-        details = nullptr;
-    }
+    freeDetails(details);
     error.hurl(where, operation, s_throwMacro);
 }
 

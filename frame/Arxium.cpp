@@ -3,7 +3,11 @@
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "NEBCore/I18NInitialize.h"
 #include "NEBCore/NEBThreadGuard.h"
+#include "crypto/ARXKRYHandleFactory.h"
+#include "crypto/ARXKRYHandleFactoryWorker.h"
 #include "frame/ARXAssert.h"
+#include "frame/ARXDetails.h"
+#include "frame/ARXNew.h"
 
 namespace
 {
@@ -17,9 +21,9 @@ using CryptoExchange = std::int32_t (*)(char const* document, void* extra, char*
 bool exchangeWithCrypto(CryptoExchange exchange, char const* document)
 {
     char* details = nullptr;
-    bool const succeeded = KRY_SUCCEEDED(exchange(document, nullptr, &details));
-    if (!succeeded && details)
-        KRY_CryptoFree(details, nullptr);
+    bool const succeeded = KRY_SUCCEEDED(callForDetails(details, exchange, document, nullptr));
+    if (!succeeded)
+        freeDetails(details);
     return succeeded;
 }
 
@@ -28,10 +32,32 @@ bool initCrypto()
     return exchangeWithCrypto(KRY_CryptoInitialize, s_initializeDocument);
 }
 
-// A failed stop is nobody's to act on: the library goes down all the same.
+// A failed stop is nobody's to act on, in whichever way it fails: the library goes down all the same.
 void terminateCrypto()
 {
-    exchangeWithCrypto(KRY_CryptoTerminate, s_terminateDocument);
+    try
+    {
+        exchangeWithCrypto(KRY_CryptoTerminate, s_terminateDocument);
+    }
+    catch (...)
+    {
+        return;
+    }
+}
+
+ARXKRYHandleFactoryWorker* s_factoryWorker = nullptr;  // owned from the first start to the last stop
+
+void installWorker()
+{
+    NEB_NEW(s_factoryWorker, new ARXKRYHandleFactoryWorker);
+    ARXKRYHandleFactory::setFactoryWorker(s_factoryWorker);
+}
+
+void removeWorker()
+{
+    ARXKRYHandleFactory::setFactoryWorker(nullptr);
+    delete s_factoryWorker;
+    s_factoryWorker = nullptr;
 }
 }  // namespace
 
@@ -71,6 +97,7 @@ void Arxium::initializeImpl(bool full)
         I18NInitialize();
         NEB_ASSERT_NAMED(::initCrypto(), "Arxium::initialize - crypto initialization failed");
     }
+    installWorker();
     ++m_initcount;
 }
 
@@ -80,6 +107,7 @@ void Arxium::terminateImpl()
     if (--m_initcount != 0)
         return;
 
+    removeWorker();  // closes the shared sessions, so it comes while the crypto interface is still up
     if (m_full)
     {
         terminateCrypto();

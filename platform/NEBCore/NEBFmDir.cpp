@@ -15,7 +15,10 @@
 
 namespace
 {
-char constexpr s_separators[] = "/\\";
+bool isSeparator(char c)
+{
+    return c == '/' || c == '\\';
+}
 
 struct CloseDir
 {
@@ -100,10 +103,11 @@ int NEBFmDir::exists(char const* path, int mode)
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
 {
-    std::size_t const last = path.find_last_of(s_separators);
-    bool const hasDirectory = last != std::string::npos;
-    std::string head = hasDirectory ? path.substr(0, last == 0 ? 1 : last) : std::string();
-    std::string tail = hasDirectory ? path.substr(last + 1) : path;
+    auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
+    auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
+    // The separator goes with neither part, but for that of the root.
+    std::string head = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
+    std::string tail = path.substr(tailStart);
     if (directory)
         *directory = std::move(head);
     if (file)
@@ -112,8 +116,9 @@ void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::s
 
 void NEBFmDir::joinPath(std::string& base, std::string const& name)
 {
-    bool const needsSeparator = !base.empty() && base.find_last_of(s_separators) != base.size() - 1;
-    base.append(needsSeparator ? 1 : 0, '/').append(name);
+    if (!base.empty() && !isSeparator(base.back()))
+        base += '/';
+    base += name;
 }
 
 void NEBFmDir::joinPath(I18NString& base, I18NString const& name)

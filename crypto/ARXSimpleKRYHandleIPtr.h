@@ -1,0 +1,19 @@
+// Owner of a handle, which goes back to ARXKRYHandleFactory.
+
+#ifndef ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEIPTR_H
+#define ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEIPTR_H
+
+#include "crypto/ARXSimpleKRYHandleI.h"
+#include "prod/SmartPointers/NEBAutoFactoryPointer.h"
+
+class ARXSimpleKRYHandleIPtr final : public NEBAutoFactoryPointer<ARXSimpleKRYHandleI>
+{
+public:
+    // Owns handle, which may be null. Behind the last stop of the library it can't be given back and is lost.
+    explicit ARXSimpleKRYHandleIPtr(ARXSimpleKRYHandleI* handle);
+    ~ARXSimpleKRYHandleIPtr() override;
+
+    void destroy(ARXSimpleKRYHandleI* pointer) override;
+};
+
+#endif

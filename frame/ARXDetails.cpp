@@ -1,0 +1,12 @@
+#include "frame/ARXDetails.h"
+
+#include <utility>
+
+#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
+
+void freeDetails(char*& details)
+{
+    // Cleared first, so that nobody frees it again should the interface raise.
+    if (char* const memory = std::exchange(details, nullptr))
+        KRY_CryptoFree(memory, nullptr);
+}

@@ -1,0 +1,20 @@
+// Where the DOM library sends a document's text. A writer serves one thread at a time.
+
+#ifndef NEBIDOM_DOMWRITER_H
+#define NEBIDOM_DOMWRITER_H
+
+class __attribute__((visibility("default"))) DomWriter
+{
+public:
+    DomWriter();
+
+    // The virtual operations keep this order: it is the order of their slots.
+    virtual ~DomWriter();
+    // size in bytes, never negative.
+    virtual void write(char const* data, int size) = 0;
+    virtual void endline() = 0;
+    // The encoding of the text that comes through write: "UTF-8" unless a writer says otherwise.
+    virtual char const* getOutputEncoding();
+};
+
+#endif

@@ -1,0 +1,78 @@
+#include "OJDStreamsDLL/OJDInputStream.h"
+
+#include "NEBCore/NEBByteBuffer.h"
+
+namespace
+{
+// readOnce is given what has been read so far, and what is missing.
+template <class ReadOnce>
+std::size_t repeat(std::size_t n, ReadOnce const& readOnce)
+{
+    std::size_t total = 0;
+    while (total < n)
+    {
+        std::size_t const count = readOnce(total, n - total);
+        if (count == 0 || count == OJDInputStream::s_end)
+            return total == 0 ? OJDInputStream::s_end : total;
+        total += count;
+    }
+    return total;
+}
+}  // namespace
+
+OJDInputStream::~OJDInputStream() = default;
+
+std::size_t OJDInputStream::read(char* buf, std::size_t n)
+{
+    return repeat(n,
+                  [&](std::size_t total, std::size_t) -> std::size_t
+                  {
+                      std::size_t const byte = read();
+                      if (byte == s_end)
+                          return s_end;
+                      buf[total] = static_cast<char>(byte);
+                      return 1;
+                  });
+}
+
+std::size_t OJDInputStream::readFully(char* buf, std::size_t n)
+{
+    return repeat(n, [&](std::size_t total, std::size_t missing) { return read(buf + total, missing); });
+}
+
+std::size_t OJDInputStream::readFully(NEBByteBuffer& buf, std::size_t n)
+{
+    return repeat(n, [&](std::size_t, std::size_t missing) { return read(buf, missing); });
+}
+
+int OJDInputStream::canTimeout() const
+{
+    return 0;
+}
+
+int OJDInputStream::setTimeout(int)
+{
+    return 0;
+}
+
+int OJDInputStream::getTimeout() const
+{
+    return 0;
+}
+
+int OJDInputStream::canCancel() const
+{
+    return 0;
+}
+
+int OJDInputStream::setCancel(int)
+{
+    return 0;
+}
+
+int OJDInputStream::getCancel() const
+{
+    return 0;
+}
+
+void OJDInputStream::cancel() {}

@@ -1,0 +1,134 @@
+#include "os/OsFileTime.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+std::int64_t constexpr s_stepsPerSecond = 10000000;
+std::int64_t constexpr s_nanosecondsPerStep = 100;
+std::int64_t constexpr s_secondsFrom1601To1970 = 11644473600;
+
+FILETIME toFileTime(timespec const& time)
+{
+    std::int64_t const steps =
+        (time.tv_sec + s_secondsFrom1601To1970) * s_stepsPerSecond + time.tv_nsec / s_nanosecondsPerStep;
+    return {static_cast<DWORD>(steps & 0xFFFFFFFF), static_cast<DWORD>(steps >> 32)};
+}
+
+timespec toTimespec(FILETIME const& time)
+{
+    std::int64_t const steps = static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    timespec result{};
+    result.tv_sec = steps / s_stepsPerSecond - s_secondsFrom1601To1970;
+    result.tv_nsec = steps % s_stepsPerSecond * s_nanosecondsPerStep;
+    return result;
+}
+
+bool isEqual(FILETIME const& a, FILETIME const& b)
+{
+    return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
+}
+
+int descriptorOf(HANDLE file)
+{
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
+}
+
+void give(timespec const& time, FILETIME* target)
+{
+    if (target)
+        *target = toFileTime(time);
+}
+
+timespec constexpr s_omitted = {0, UTIME_OMIT};
+}  // namespace
+
+HANDLE CreateFileA(char const* path, DWORD access, DWORD, void*, DWORD disposition, DWORD flags, HANDLE)
+{
+    if (!path || disposition != OPEN_EXISTING || flags != 0)
+    {
+        errno = EINVAL;
+        return INVALID_HANDLE_VALUE;
+    }
+    std::string name = path;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    int const mode = (access & GENERIC_WRITE) == 0  ? O_RDONLY
+                     : (access & GENERIC_READ) == 0 ? O_WRONLY
+                                                    : O_RDWR;
+    int descriptor;
+    do
+        descriptor = ::open(name.c_str(), mode | O_CLOEXEC);
+    while (descriptor < 0 && errno == EINTR);
+    return reinterpret_cast<HANDLE>(std::intptr_t{descriptor});
+}
+
+BOOL CloseHandle(HANDLE file)
+{
+    return ::close(descriptorOf(file)) == 0;
+}
+
+BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess, FILETIME* lastWrite)
+{
+    struct stat status;
+    if (::fstat(descriptorOf(file), &status) != 0)
+        return 0;
+    give(status.st_ctim, creation);
+    give(status.st_atim, lastAccess);
+    give(status.st_mtim, lastWrite);
+    return 1;
+}
+
+BOOL SetFileTime(HANDLE file, FILETIME const*, FILETIME const* lastAccess, FILETIME const* lastWrite)
+{
+    FILETIME current;
+    if (GetFileTime(file, nullptr, &current, nullptr) == 0)
+        return 0;
+    bool const keepsAccess = !lastAccess || isEqual(*lastAccess, current);
+    timespec const times[] = {keepsAccess ? s_omitted : toTimespec(*lastAccess),
+                              lastWrite ? toTimespec(*lastWrite) : s_omitted};
+    return ::futimens(descriptorOf(file), times) == 0;
+}
+
+BOOL DosDateTimeToFileTime(WORD date, WORD time, FILETIME* result)
+{
+    std::tm fields{};
+    fields.tm_year = (date >> 9) + 80;
+    fields.tm_mon = (date >> 5 & 0xF) - 1;
+    fields.tm_mday = date & 0x1F;
+    fields.tm_hour = time >> 11;
+    fields.tm_min = time >> 5 & 0x3F;
+    fields.tm_sec = (time & 0x1F) * 2;
+
+    std::tm normal = fields;
+    timespec const moment = {::timegm(&normal), 0};
+    // timegm turns what doesn't exist into what it could mean, and so shows it.
+    bool const isPossible = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday &&
+                            normal.tm_hour == fields.tm_hour && normal.tm_min == fields.tm_min &&
+                            normal.tm_sec == fields.tm_sec;
+    if (isPossible)
+        *result = toFileTime(moment);
+    return isPossible;
+}
+
+BOOL LocalFileTimeToFileTime(FILETIME const* local, FILETIME* utc)
+{
+    timespec moment = toTimespec(*local);
+    std::tm fields{};
+    if (!::gmtime_r(&moment.tv_sec, &fields))
+        return 0;
+    fields.tm_isdst = -1;  // found from the date
+    fields.tm_wday = -1;
+    ::tzset();
+    moment.tv_sec = std::mktime(&fields);
+    if (fields.tm_wday < 0)  // set by a mktime that works; its -1 may be a time as well
+        return 0;
+    *utc = toFileTime(moment);
+    return 1;
+}

@@ -1,0 +1,56 @@
+// A fresh folder for one test, removed with all that it holds.
+
+#ifndef ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
+#define ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+        : m_path(std::filesystem::canonical(std::filesystem::temp_directory_path()) / "arxium-XXXXXX")
+    {
+        if (!mkdtemp(m_path.data()))
+            throw std::runtime_error("no temporary folder");
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    TemporaryFolder(TemporaryFolder const&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
+
+    std::string const& path() const { return m_path; }
+    std::string operator/(std::string const& name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path;  // absolute, without links and closing separator
+};
+
+// Makes a folder current for its own lifetime.
+class CurrentFolder
+{
+public:
+    explicit CurrentFolder(std::string const& path) : m_before(std::filesystem::current_path())
+    {
+        std::filesystem::current_path(path);
+    }
+    ~CurrentFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::current_path(m_before, ignored);
+    }
+    CurrentFolder(CurrentFolder const&) = delete;
+    CurrentFolder& operator=(CurrentFolder const&) = delete;
+
+private:
+    std::filesystem::path m_before;
+};
+
+#endif

@@ -1,0 +1,39 @@
+// The zip stream itself, over minizip and a table of I/O functions that says where the archive's bytes are.
+
+#ifndef ARXIUM_ZIP_ARXZIPINPUTSTREAMFRAMEWORK_H
+#define ARXIUM_ZIP_ARXZIPINPUTSTREAMFRAMEWORK_H
+
+#include <minizip/unzip.h>
+
+#include "zip/ARXZipInputStreamI.h"
+
+class ARXZipInputStreamFramework : public ARXZipInputStreamI
+{
+public:
+    // fileFuncs is read here only, what it leads to as long as the archive is open. NEBAssertError if that is
+    // no archive. Exceptions of the functions pass through.
+    explicit ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs);
+    ~ARXZipInputStreamFramework() override;
+
+    ARXZipInputStreamFramework(ARXZipInputStreamFramework const&) = delete;
+    ARXZipInputStreamFramework& operator=(ARXZipInputStreamFramework const&) = delete;
+
+    std::size_t read() override;
+    std::size_t read(char* buf, std::size_t n) override;
+    std::size_t read(NEBByteBuffer& target, std::size_t n) override;
+    void close() override;
+
+    bool getFirstEntry() override;
+    bool getNextEntry() override;
+    bool locate(char const* name) override;
+    bool getCurrentEntryName(std::string& name) override;
+    bool getCurrentEntryInfo(zipEntry& entry) override;
+    bool openCurrentEntry() override;
+
+private:
+    unzFile m_zipFile;  // null only after close
+    bool m_entryOpen;
+    zlib_filefunc_def_s* m_pFileFuncs;
+};
+
+#endif

@@ -1,0 +1,30 @@
+#include "zip/ARXZipInputStreamFromFile.h"
+
+#include "frame/ARXAssert.h"
+#include "frame/ARXNew.h"
+
+ARXZipInputStreamFromFile::ARXZipInputStreamFromFile(char const* path)
+    : m_fileHandle(path ? std::fopen(path, "rb") : nullptr)
+{
+    NEB_ASSERT_NAMED(m_fileHandle, "Unable to open file");
+    try
+    {
+        NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFromFileHandle>(m_fileHandle));
+    }
+    catch (...)
+    {
+        std::fclose(m_fileHandle);
+        throw;
+    }
+}
+
+ARXZipInputStreamFromFile::~ARXZipInputStreamFromFile()
+{
+    std::fclose(m_fileHandle);  // the inner stream, destroyed after this, no longer touches it
+}
+
+ARXZipInputStreamI* ARXZipInputStreamFromFile::getFramework()
+{
+    NEB_ASSERT(m_pFramework);
+    return m_pFramework.get();
+}
