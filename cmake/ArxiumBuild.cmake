@@ -18,6 +18,8 @@ function(arxium_configure target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
         $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
+        # A library's calls of its own functions can be inlined: nobody replaces them one by one.
+        -fno-semantic-interposition
         # Back traces name sources relative to the root, the same on every machine.
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
     if(ARXIUM_SANITIZE)
