@@ -2,6 +2,11 @@
 
 include(CheckLinkerFlag)
 
+# Sanitizers leave symbols to their runtime; every other build refuses missing ones.
+if(NOT ARXIUM_SANITIZE)
+    set(ARXIUM_NO_UNDEFINED -Wl,--no-undefined)
+endif()
+
 function(arxium_configure target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES
@@ -13,6 +18,8 @@ function(arxium_configure target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
         $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
+        # A library's calls of its own functions can be inlined: nobody replaces them one by one.
+        -fno-semantic-interposition
         # Back traces name sources relative to the root, the same on every machine.
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
     if(ARXIUM_SANITIZE)
@@ -30,5 +37,5 @@ function(arxium_add_platform_library name)
     set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform>)
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
-    target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${ARXIUM_SANITIZE}>>:-Wl,--no-undefined>)
+    target_link_options(${name} PRIVATE ${ARXIUM_NO_UNDEFINED})
 endfunction()
