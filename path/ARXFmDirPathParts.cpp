@@ -8,9 +8,9 @@
 
 namespace
 {
-char constexpr s_currentDir[] = ".";
-char constexpr s_parentDir[] = "..";
-char constexpr s_root[] = "/";
+std::string_view constexpr s_currentDir = ".";
+std::string_view constexpr s_parentDir = "..";
+std::string_view constexpr s_root = "/";
 }  // namespace
 
 ARXFmDir::ARXFmDirPathParts::ARXFmDirPathParts() = default;
@@ -51,7 +51,12 @@ void ARXFmDir::ARXFmDirPathParts::removeParentDir()
 
 void ARXFmDir::ARXFmDirPathParts::getPath(std::string& out) const
 {
+    std::size_t size = m_drive.size();
+    for (std::string const& part : m_parts)
+        size += part.size() + 1;
+
     std::string path;
+    path.reserve(size);
     for (std::string const& part : m_parts)
         NEBFmDir::joinPath(path, part);
     path.insert(0, m_drive);

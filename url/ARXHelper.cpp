@@ -1,5 +1,6 @@
 #include "url/ARXHelper.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -15,6 +16,8 @@ namespace
 {
 int constexpr s_gatewayResource = 6;
 int constexpr s_dispatcherResource = 7;
+
+std::size_t constexpr s_pieceUnits = 256;  // encoded in one go
 
 // What a byte becomes. Four bytes in one piece, so that one store writes it.
 struct ByteForm
@@ -52,31 +55,43 @@ constexpr ByteForms makeForms(bool keepAscii)
 ByteForms constexpr s_encodedForms = makeForms(false);
 ByteForms constexpr s_keptForms = makeForms(true);
 
+// Writes the whole form; the bytes behind its text are written over by the next.
 char* put(char* target, ByteForm const& form)
 {
-    std::memcpy(target, &form, sizeof form);  // the byte behind a form is written over by the next
+    std::memcpy(target, &form, sizeof form);
     return target + form.m_length;
+}
+
+char* putEscape(char* target, unsigned byte)
+{
+    put(target, s_encodedForms[byte]);
+    return target + 3;  // a constant, where the form's length would be one more load
 }
 
 // The UTF-8 bytes of one code unit from 0x80 up, a surrogate like any other.
 char* putWideUnit(char* target, unsigned unit)
 {
     if (unit < 0x800)
-        target = put(target, s_encodedForms[0xC0 | unit >> 6]);
+        target = putEscape(target, 0xC0 | unit >> 6);
     else
     {
-        target = put(target, s_encodedForms[0xE0 | unit >> 12]);
-        target = put(target, s_encodedForms[0x80 | (unit >> 6 & 0x3F)]);
+        target = putEscape(target, 0xE0 | unit >> 12);
+        target = putEscape(target, 0x80 | (unit >> 6 & 0x3F));
     }
-    return put(target, s_encodedForms[0x80 | (unit & 0x3F)]);
+    return putEscape(target, 0x80 | (unit & 0x3F));
 }
 
-// Gives target anew, which moves with the bytes.
-char* makeRoom(NEBByteBuffer& output, char const* target, std::size_t room)
+// Gives the end of the text. target has room for nine bytes a unit and one more, which the last store
+// reaches.
+char* putUnits(char* target, char const* source, std::size_t units, ByteForms const& forms)
 {
-    std::size_t const count = static_cast<std::size_t>(target - output.str());
-    output.reserve(count + room);
-    return output.str() + count;
+    for (char const* const end = source + units * sizeof(std::uint16_t); source != end; source += 2)
+    {
+        std::uint16_t unit;
+        std::memcpy(&unit, source, sizeof unit);  // source may be an odd address
+        target = unit < 0x80 ? put(target, forms[unit]) : putWideUnit(target, unit);
+    }
+    return target;
 }
 
 void readSetting(int resource, I18NString& value)
@@ -115,21 +130,18 @@ void ARXHelper::urlEncode(void const* input, std::size_t size, NEBByteBuffer& ou
     NEB_ASSERT(input);
 
     std::size_t const units = size / sizeof(std::uint16_t);
-    output.reserve(3 * units + 1);  // the last store reaches one byte behind the text
+    output.reserve(3 * units);
     output.reset();
+    auto const* const source = static_cast<char const*>(input);
     ByteForms const& forms = keepAscii ? s_keptForms : s_encodedForms;
-    auto const* source = static_cast<char const*>(input);
-    char* target = output.str();
-    for (std::size_t rest = units; rest > 0; --rest, source += sizeof(std::uint16_t))
+    // By pieces: the room that their text might need is small beside that of the whole.
+    for (std::size_t done = 0; done < units; done += s_pieceUnits)
     {
-        std::uint16_t unit;
-        std::memcpy(&unit, source, sizeof unit);  // input may lie at an odd address
-        if (unit < 0x80)
-            target = put(target, forms[unit]);
-        else  // up to nine bytes, six more than were reserved for it
-            target = putWideUnit(makeRoom(output, target, 3 * rest + 7), unit);
+        std::size_t const piece = std::min(units - done, s_pieceUnits);
+        output.reserve(output.pcount() + 9 * piece + 1);
+        char* const end = putUnits(output.str() + output.pcount(), source + 2 * done, piece, forms);
+        output.setLength(static_cast<std::size_t>(end - output.str()));
     }
-    output.setLength(static_cast<std::size_t>(target - output.str()));
 }
 
 void ARXHelper::urlEncode(I18NString const& input, NEBByteBuffer& output, bool keepAscii)

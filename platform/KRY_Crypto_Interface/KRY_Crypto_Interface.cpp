@@ -1,56 +1,165 @@
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 
 #include <cstdlib>
+#include <cstring>
+#include <string_view>
 
-std::int32_t KRY_CryptoInitialize(char const*, void*, char**)
+#include "KRY_Crypto_Interface/KRYError.h"
+#include "KRY_Crypto_Interface/KRYInterface.h"
+#include "KRY_Crypto_Interface/KRYMemory.h"
+
+namespace
 {
-    return -1;
+// Lack of memory costs the text, never the status.
+void giveText(char** target, char const* text) noexcept
+{
+    if (target && text)
+        *target = ::strdup(text);
 }
 
-std::int32_t KRY_CryptoTerminate(char const*, void*, char**)
+// Runs work where nothing may leave but a status.
+template <class Work>
+std::int32_t guarded(char** details, Work work) noexcept
 {
-    return -1;
+    try
+    {
+        work();
+        return KRY_SUCCESS;
+    }
+    catch (...)
+    {
+        KRYFailure const failure = currentFailure();
+        giveText(details, failure.m_text);
+        return failure.m_status;
+    }
 }
 
-std::int32_t KRY_PersistentInitialize(void** session, char const*, void*, char**)
+// Runs work on a session, which keeps the reason of a failure.
+template <class Work>
+std::int32_t inSession(void* token, Work work) noexcept
+{
+    return guarded(nullptr,
+                   [&]
+                   {
+                       KRYRegistry::Access const session(KRYInterface::getInstance().getSessions(), token);
+                       try
+                       {
+                           work(*session);
+                       }
+                       catch (...)
+                       {
+                           session->rememberFailure(currentFailure().m_text);
+                           throw;
+                       }
+                   });
+}
+
+// Raises where a pointer that the call can't do without is null.
+void requireArgument(void const* argument)
+{
+    if (!argument)
+        throw KRYError(KRY_ERROR_ARGUMENT, "an argument is null");
+}
+
+KRYOutput cleared(char** data, std::uint32_t* size)
+{
+    if (data)
+        *data = nullptr;
+    if (size)
+        *size = 0;
+    return {data, size};
+}
+}  // namespace
+
+std::int32_t KRY_CryptoInitialize(char const* initializeDocument, void*, char** details)
+{
+    return guarded(details, [&] { KRYInterface::getInstance().start(initializeDocument); });
+}
+
+std::int32_t KRY_CryptoTerminate(char const* terminateDocument, void*, char** details)
+{
+    return guarded(details, [&] { KRYInterface::getInstance().stop(terminateDocument); });
+}
+
+std::int32_t KRY_PersistentInitialize(void** session, char const* sessionConfigDocument, void*,
+                                      char** details)
 {
     if (session)
         *session = nullptr;
-    return -1;
+    return guarded(details,
+                   [&]
+                   {
+                       requireArgument(session);
+                       *session = KRYInterface::getInstance().open(sessionConfigDocument);
+                   });
 }
 
-std::int32_t KRY_SetInfo(void*, char const*, void*)
+std::int32_t KRY_SetInfo(void* session, char const* setInfoDocument, void*)
 {
-    return -1;
+    return inSession(session, [&](KRYSession& open) { open.setUp(setInfoDocument); });
 }
 
-std::int32_t KRY_GetInfo(void*, void*, void*, void*)
+std::int32_t KRY_GetInfo(void* session, void* first, void* second, void*)
 {
-    return -1;
+    auto* const target = static_cast<char**>(second);
+    if (target)
+        *target = nullptr;
+    return inSession(session,
+                     [&](KRYSession& open)
+                     {
+                         requireArgument(first);
+                         requireArgument(target);
+                         if (static_cast<char const*>(first) != std::string_view("serviceID"))
+                             throw KRYError(KRY_ERROR_ARGUMENT, "there is no information of that name");
+                         *target = copyOut(open.getServiceID());
+                     });
 }
 
-std::int32_t KRY_ProtectData(void*, char const*, std::uint32_t, char**, std::uint32_t*, void*)
+std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
+                             std::uint32_t* outSize, void*)
 {
-    return -1;
+    KRYOutput const output = cleared(outData, outSize);
+    return inSession(session, [&](KRYSession& open) { open.protect(data, size, output); });
 }
 
-std::int32_t KRY_UnprotectData(void*, char const*, std::uint32_t, char**, std::uint32_t*, void*)
+std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
+                               std::uint32_t* outSize, void*)
 {
-    return -1;
+    std::uint32_t const wanted = outSize ? *outSize : 0;
+    KRYOutput const output = cleared(outData, outSize);
+    return inSession(session,
+                     [&](KRYSession& open)
+                     {
+                         if (data || size != 0)
+                             throw KRYError(KRY_ERROR_ARGUMENT, "a file is read without data coming in");
+                         open.unprotect(wanted, output);
+                     });
 }
 
-std::int32_t KRY_CloseHandle(void**, void*, char**)
+std::int32_t KRY_CloseHandle(void** session, void*, char** details)
 {
-    return -1;
+    return guarded(details,
+                   [&]
+                   {
+                       requireArgument(session);
+                       KRYInterface::getInstance().getSessions().close(*session);
+                       *session = nullptr;
+                   });
 }
 
 std::int32_t KRY_CryptoFree(void* memory, void*)
 {
     std::free(memory);
-    return 0;
+    return KRY_SUCCESS;
 }
 
-std::int32_t KRY_CryptoGetLastErrorDetails(void*, void*, char**)
+std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
 {
-    return -1;
+    return guarded(details,
+                   [&]
+                   {
+                       requireArgument(details);
+                       KRYRegistry::Access const open(KRYInterface::getInstance().getSessions(), session);
+                       giveText(details, open->getLastFailure());
+                   });
 }

@@ -1,7 +1,6 @@
 #include "NEBCFGAPI/NEBConfigurationStore.h"
 
 #include <fstream>
-#include <utility>
 
 #include "NEBCore/NEBException.h"
 #include "NEBCore/NEBThreadGuard.h"
@@ -74,7 +73,8 @@ void NEBConfigurationStore::load(std::string const& path)
     if (file.bad())
         refuse(path, ": can't be read");
 
+    // Neither step needs memory, so that the file's settings are taken all or not at all.
     NEBThreadGuard const guard(m_lock);
-    for (auto& [key, value] : read)
-        m_settings[key] = std::move(value);
+    read.merge(m_settings);
+    m_settings.swap(read);
 }

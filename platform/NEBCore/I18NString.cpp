@@ -132,8 +132,9 @@ I18NString::I18NString(std::int32_t size, void*, void*)
 I18NString::I18NString(I18NString const& other) : m_units(other.m_units) {}
 
 I18NString::I18NString(I18NString&& other) noexcept
-    : m_units(std::move(other.m_units)), m_utf8(other.m_utf8.exchange(nullptr))
+    : m_units(std::move(other.m_units)), m_utf8(other.m_utf8.load(std::memory_order_relaxed))
 {
+    other.m_utf8.store(nullptr, std::memory_order_relaxed);
     other.m_units.clear();
 }
 
@@ -255,7 +256,8 @@ void I18NString::append(I18NString const& text)
 
 void I18NString::replace(std::int32_t offset, std::int32_t length, char16_t unit, std::int32_t count)
 {
-    m_units.replace(clamp(offset), static_cast<std::size_t>(length), static_cast<std::size_t>(count), unit);
+    std::size_t const units = count > 0 ? static_cast<std::size_t>(count) : 0;
+    m_units.replace(clamp(offset), static_cast<std::size_t>(length), units, unit);
     changed();
 }
 
@@ -273,7 +275,9 @@ void I18NString::remove()
 
 void I18NString::changed()
 {
-    delete m_utf8.exchange(nullptr);
+    // Whoever changes a string has it for itself: plain accesses do, and spare a locked one at every change.
+    delete m_utf8.load(std::memory_order_relaxed);
+    m_utf8.store(nullptr, std::memory_order_relaxed);
 }
 
 std::size_t I18NString::clamp(std::int32_t offset) const

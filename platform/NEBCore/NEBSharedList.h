@@ -25,6 +25,8 @@ public:
     // copy, already stand here and are not taken twice.
     void transferFrom(NEBSharedList& source)
     {
+        if (&source == this)
+            return;
         Node const* shared = source.m_newest.get();
         while (shared && !holds(shared))
             shared = shared->m_older.get();

@@ -41,12 +41,13 @@ char const* NEBThrowable::getMessage() const
 
 void NEBThrowable::toString(char const*, char const*, I18NString& result, int indent)
 {
-    std::string text(static_cast<std::size_t>(indent), ' ');
-    text += getThrowableName();
+    std::string text = getThrowableName();
     std::string const message = getMessage();
     if (!message.empty())
         text += ": " + message;
-    result = I18NString(text.c_str());
+    result.remove();
+    result.append(u' ', indent);
+    result.append(I18NString(text.c_str()));
 }
 
 void NEBThrowable::addBackTrace(NEBFileLocation const& where, char const* text, char const* macro) noexcept

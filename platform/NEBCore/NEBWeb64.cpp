@@ -17,16 +17,15 @@ std::size_t NEBWeb64EncodedSize(std::size_t size, int)
 void NEBWeb64Encode(void const* data, std::size_t size, char* target, int)
 {
     auto const* bytes = static_cast<unsigned char const*>(data);
-    std::uint32_t bits = 0;
-    int count = 0;  // bits that wait
-    for (std::size_t i = 0; i < size; ++i)
+    auto const put = [&target](std::uint32_t bits, std::size_t digits)
     {
-        bits = bits << 8 | bytes[i];
-        for (count += 8; count >= 6; count -= 6)
-            *target++ = s_alphabet[bits >> (count - 6) & 0x3F];
-    }
-    if (count > 0)
-        *target++ = s_alphabet[bits << (6 - count) & 0x3F];
+        for (int shift = 18; digits > 0; --digits, shift -= 6)
+            *target++ = s_alphabet[bits >> shift & 0x3F];
+    };
+    for (; size >= 3; size -= 3, bytes += 3)
+        put(static_cast<std::uint32_t>(bytes[0] << 16 | bytes[1] << 8 | bytes[2]), 4);
+    if (size > 0)
+        put(static_cast<std::uint32_t>(bytes[0] << 16 | (size == 2 ? bytes[1] << 8 : 0)), size + 1);
     *target = '\0';
 }
 

@@ -52,13 +52,15 @@ struct CompareCase
     std::uint64_t m_offset;
 };
 
-CompareCase const s_compareCases[] = {{"", "", true, 0},          {"", "x", false, 0},
-                                      {"abc", "abc", true, 3},    {"abc", "abcd", false, 3},
-                                      {"a/b", "a\\b", true, 3},   {"a/b", "a/c", false, 2},
-                                      {"/a", "\\a\\b", false, 2}, {"A", "a", false, 0},
-                                      {"C:/a", "c:/a", false, 0}, {"a/bc", "a/bd", false, 3},
-                                      {"a/b/", "a/b", false, 3},  {"a//b", "a/b", false, 2},
-                                      {"./a", "a", false, 0},     {"\xC3\xA4", "\xC3\xB6", false, 1}};
+CompareCase const s_compareCases[] = {
+    {"", "", true, 0},          {"", "x", false, 0},
+    {"abc", "abc", true, 3},    {"abc", "abcd", false, 3},
+    {"a/b", "a\\b", true, 3},   {"a/b", "a/c", false, 2},
+    {"/a", "\\a\\b", false, 2}, {"A", "a", false, 0},
+    {"C:/a", "c:/a", false, 0}, {"a/bc", "a/bd", false, 3},
+    {"a/b/", "a/b", false, 3},  {"a//b", "a/b", false, 2},
+    {"./a", "a", false, 0},     {"\xC3\xA4", "\xC3\xB6", false, 1},
+};
 
 TEST(ARXFmDir, ComparesPathsInEitherOrder)
 {
@@ -189,20 +191,22 @@ struct AbsoluteCase
     char const* m_out;
 };
 
-AbsoluteCase const s_absoluteCases[] = {{"C:/w", "x/y", "C:/w/x/y"},
-                                        {"C:/w/", "x", "C:/w/x"},
-                                        {"C:/w", "c:x", "C:/w/x"},
-                                        {"c:/w", "C:x\\y", "c:/w/x\\y"},
-                                        {"C:/w", "../x", "C:/w/../x"},
-                                        {"C:/w", "D:/x", "D:/x"},
-                                        {"C:/w", "/x", "/x"},
-                                        {"/w", "\\x", "\\x"},
-                                        {"/w", "x", "/w/x"},
-                                        {"/w", "c:x", "/w/c:x"},
-                                        {"C:/w", "", "C:/w/"},
-                                        {"w\\", "\xE4", "w\\\xE4"},
-                                        {"", "x", "x"},
-                                        {"C:", "c:", "C:/"}};
+AbsoluteCase const s_absoluteCases[] = {
+    {"C:/w", "x/y", "C:/w/x/y"},
+    {"C:/w/", "x", "C:/w/x"},
+    {"C:/w", "c:x", "C:/w/x"},
+    {"c:/w", "C:x\\y", "c:/w/x\\y"},
+    {"C:/w", "../x", "C:/w/../x"},
+    {"C:/w", "D:/x", "D:/x"},
+    {"C:/w", "/x", "/x"},
+    {"/w", "\\x", "\\x"},
+    {"/w", "x", "/w/x"},
+    {"/w", "c:x", "/w/c:x"},
+    {"C:/w", "", "C:/w/"},
+    {"w\\", "\xE4", "w\\\xE4"},
+    {"", "x", "x"},
+    {"C:", "c:", "C:/"},
+};
 
 TEST(ARXFmDir, PutsRelativePathsUnderTheWorkingDirectory)
 {
@@ -228,22 +232,24 @@ struct TailCase
     char const* m_tail;
 };
 
-TailCase const s_tailCases[] = {{"/a/b", "/a/b/c/d.e", "c/d.e"},
-                                {"/a/b/", "/a/b/c/d.e", "c/d.e"},
-                                {"\\a\\b", "/a/b/c", "c"},
-                                {"C:\\a", "C:/a/b\\c", "b\\c"},
-                                {"/a/b", "/a/bc/d", "c/d"},
-                                {"/x/y", "/a/b", "a/b"},
-                                {"/a/b", "/a/b", ""},
-                                {"/a/b/", "/a/b/", ""},
-                                {"/a/b/c", "/a/b", ""},
-                                {"x", "/a/b", "b"},
-                                {"C:/A", "c:/a/x", "x"},
-                                {nullptr, "/a/b", "b"},
-                                {"", "/a/b", "b"},
-                                {"", "a\\b", "b"},
-                                {"", "a/", ""},
-                                {"\xC3\xA4", "\xC3\xA4/\xC3\xB6", "\xC3\xB6"}};
+TailCase const s_tailCases[] = {
+    {"/a/b", "/a/b/c/d.e", "c/d.e"},
+    {"/a/b/", "/a/b/c/d.e", "c/d.e"},
+    {"\\a\\b", "/a/b/c", "c"},
+    {"C:\\a", "C:/a/b\\c", "b\\c"},
+    {"/a/b", "/a/bc/d", "c/d"},
+    {"/x/y", "/a/b", "a/b"},
+    {"/a/b", "/a/b", ""},
+    {"/a/b/", "/a/b/", ""},
+    {"/a/b/c", "/a/b", ""},
+    {"x", "/a/b", "b"},
+    {"C:/A", "c:/a/x", "x"},
+    {nullptr, "/a/b", "b"},
+    {"", "/a/b", "b"},
+    {"", "a\\b", "b"},
+    {"", "a/", ""},
+    {"\xC3\xA4", "\xC3\xA4/\xC3\xB6", "\xC3\xB6"},
+};
 
 TEST(ARXFmDir, CutsTheCommonPrefixOffAFullPath)
 {

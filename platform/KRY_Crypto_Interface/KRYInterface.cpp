@@ -1,0 +1,44 @@
+#include "KRY_Crypto_Interface/KRYInterface.h"
+
+#include "KRY_Crypto_Interface/KRYDocument.h"
+#include "KRY_Crypto_Interface/KRYError.h"
+#include "KRY_Crypto_Interface/KRYKeyFile.h"
+
+KRYInterface& KRYInterface::getInstance()
+{
+    static KRYInterface& s_instance = *new KRYInterface;
+    return s_instance;
+}
+
+void KRYInterface::start(char const* document)
+{
+    std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
+    std::lock_guard<std::mutex> const guard(m_lock);
+    auto key = m_masterKey ? nullptr : KRYKeyFile::load();
+    m_services.emplace(serviceID);
+    if (key)
+        m_masterKey = std::move(key);
+}
+
+void KRYInterface::stop(char const* document)
+{
+    std::string_view const serviceID = KRYDocument::readServiceID(document, "terminateDocument");
+    std::lock_guard<std::mutex> const guard(m_lock);
+    auto const service = m_services.find(serviceID);
+    if (service == m_services.end())
+        throw KRYError(KRY_ERROR_STATE, "the service to be stopped is not started");
+    m_services.erase(service);
+    if (!m_services.empty())
+        return;
+    m_sessions.closeAll();
+    m_masterKey.reset();
+}
+
+void* KRYInterface::open(char const* document)
+{
+    std::string_view const serviceID = KRYDocument::readServiceID(document, "sessionConfigDocument");
+    std::lock_guard<std::mutex> const guard(m_lock);
+    if (!m_masterKey)
+        throw KRYError(KRY_ERROR_STATE, "the interface is not started");
+    return m_sessions.add(std::make_unique<KRYSession>(serviceID, *m_masterKey));
+}

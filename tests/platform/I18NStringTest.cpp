@@ -1,0 +1,118 @@
+#include "NEBCore/I18NString.h"
+
+#include <sstream>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "NEBCore/NEBException.h"
+
+namespace
+{
+std::u16string units(I18NString const& text)
+{
+    return reinterpret_cast<char16_t const*>(text.getExternalBuffer());
+}
+
+I18NString fromUnits(std::u16string const& text)
+{
+    I18NString result;
+    result.setTo(text.data(), static_cast<std::uint32_t>(text.size() * sizeof(char16_t)));
+    return result;
+}
+
+struct TextCase
+{
+    char const* m_bytes;
+    std::u16string m_units;
+};
+
+TEST(I18NString, GivesBackTheBytesThatItTook)
+{
+    TextCase const rows[] = {
+        {"", u""},
+        {"a\x7F", u"a\x7F"},
+        {"\xC2\x80\xDF\xBF", u"\x80\u07FF"},
+        {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", u"\u0800\uD7FF\uE000\uFFFF"},
+        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
+        {"\x80\xFF", u"\xDC80\xDCFF"},
+        {"\xC0\x80\xC1\xBF", u"\xDCC0\xDC80\xDCC1\xDCBF"},
+        {"\xE0\x9F\xBF", u"\xDCE0\xDC9F\xDCBF"},
+        {"\xED\xA0\x80", u"\xDCED\xDCA0\xDC80"},
+        {"\xF0\x8F\xBF\xBF", u"\xDCF0\xDC8F\xDCBF\xDCBF"},
+        {"\xF4\x90\x80\x80", u"\xDCF4\xDC90\xDC80\xDC80"},
+        {"\xE2\x82", u"\xDCE2\xDC82"},
+        {"\xE2\x82z\xF0\x9F\x98", u"\xDCE2\xDC82z\xDCF0\xDC9F\xDC98"}};
+    for (TextCase const& row : rows)
+    {
+        I18NString const text(row.m_bytes);
+        EXPECT_EQ(row.m_units, units(text)) << row.m_bytes;
+        EXPECT_STREQ(row.m_bytes, text.c_str());
+    }
+}
+
+TEST(I18NString, GivesOutOtherLoneSurrogatesByTheirCodePoint)
+{
+    EXPECT_STREQ("\xED\xA0\x80x\xED\xBF\xBF\xED\xAF\xBF", fromUnits(u"\xD800x\xDFFF\xDBFF").c_str());
+    EXPECT_STREQ("\xED\xB0\x80", fromUnits(u"\xDC00").c_str());
+}
+
+TEST(I18NString, TakesLengthsAndExternalForms)
+{
+    EXPECT_STREQ("ab", I18NString("abc", nullptr, 2).c_str());
+    EXPECT_TRUE(I18NString(nullptr, nullptr, -1, nullptr, nullptr).empty());
+    EXPECT_THROW(I18NString("a", "latin1"), NEBException);
+    EXPECT_EQ(6, I18NString("ab").size());
+    I18NString text(16, nullptr, nullptr);
+    text.setTo(u"ab", 6);
+    EXPECT_EQ(u"ab", units(text));
+    text.setTo(u"ab", 3);
+    EXPECT_EQ(u"a", units(text));
+    text.setTo(nullptr, 0);
+    EXPECT_TRUE(text.empty());
+}
+
+TEST(I18NString, CountsOffsetsInUnitsAndTakesThoseBehindTheEndAsTheEnd)
+{
+    I18NString const text(
+        "ab\xF0\x9F\x98\x80"
+        "ab");  // six units
+    std::vector<std::int32_t> const found{text.find(u'a'),     text.find(u'a', 1), text.find(u'a', 5),
+                                          text.find(u'a', -1), text.rfind(u'a'),   text.rfind(u'a', 3),
+                                          text.rfind(u'x'),    text.find(u'b', 99)};
+    EXPECT_EQ((std::vector<std::int32_t>{0, 4, -1, -1, 4, 0, -1, -1}), found);
+    std::vector<std::int32_t> next;
+    for (std::int32_t offset : {0, 1, 2, 3, 5, 6, 99, -1})
+        next.push_back(text.incrementOffset(offset));
+    EXPECT_EQ((std::vector<std::int32_t>{1, 2, 4, 4, 6, 6, 6, 6}), next);
+    EXPECT_EQ(u"ab", units(text.substr(4)));
+    EXPECT_EQ(u"b", units(text.substr(1, 1)));
+    EXPECT_EQ(u"", units(text.substr(99, 2)));
+    EXPECT_EQ(u"ab", units(text.substring(4, -1)));
+    EXPECT_EQ(u"", units(text.substring(4, 3)));
+}
+
+TEST(I18NString, ForgetsTheTextThatItGaveOutWithEachChange)
+{
+    using Change = void (*)(I18NString&);
+    std::pair<Change, char const*> const rows[] = {
+        {[](I18NString& text) { text.append(u'x', 2); }, "abcxx"},
+        {[](I18NString& text) { text.append(u'x', -1); }, "abc"},
+        {[](I18NString& text) { text.append(text); }, "abcabc"},
+        {[](I18NString& text) { text.replace(1, 1, u'x', 3); }, "axxxc"},
+        {[](I18NString& text) { text.replace(1, -1, u'x', -1); }, "a"},
+        {[](I18NString& text) { text.erase(1, 1); }, "ac"},
+        {[](I18NString& text) { text.erase(1, -1); }, "a"},
+        {[](I18NString& text) { text.remove(); }, ""},
+        {[](I18NString& text) { text.setTo("new"); }, "new"},
+        {[](I18NString& text) { text = I18NString("moved"); }, "moved"},
+        {[](I18NString& text) { text = *&text; }, "abc"}};
+    for (auto const& [change, expected] : rows)
+    {
+        I18NString text("abc");
+        text.c_str();
+        change(text);
+        EXPECT_STREQ(expected, text.c_str());
+    }
+}
+}  // namespace

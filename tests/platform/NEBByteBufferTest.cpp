@@ -1,0 +1,49 @@
+#include "NEBCore/NEBByteBuffer.h"
+
+#include <cstdint>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "NEBCore/NEBOutOfMemoryError.h"
+
+namespace
+{
+std::string held(NEBByteBuffer const& buffer)
+{
+    return {buffer.str(), buffer.pcount()};
+}
+
+TEST(NEBByteBuffer, GrowsByBytesTextsAndItsOwnContents)
+{
+    NEBByteBuffer buffer(4, 4);
+    EXPECT_EQ(nullptr, buffer.str());
+    buffer.appendChars(nullptr, 0);
+    buffer << 'a' << "bc";
+    std::string expected = "abc";
+    while (expected.size() < 1000)
+    {
+        buffer.appendChars(buffer.str() + 1, buffer.pcount() - 1);
+        expected += expected.substr(1);
+    }
+    EXPECT_EQ(expected, held(buffer));
+    char const* const room = buffer.str();
+    buffer.reset();
+    EXPECT_EQ(0u, buffer.pcount());
+    buffer << "x";
+    EXPECT_EQ(room, buffer.str());
+}
+
+TEST(NEBByteBuffer, RefusesSizesThatCantBeHadAndStaysAsItWas)
+{
+    NEBByteBuffer buffer(256, 256);
+    buffer << "abc";
+    for (std::size_t const size : {SIZE_MAX, SIZE_MAX - 2, SIZE_MAX / 2 + 1, SIZE_MAX / 2})
+    {
+        EXPECT_THROW(buffer.appendChars("x", size), NEBOutOfMemoryError) << size;
+        EXPECT_THROW(buffer.reserve(size), NEBOutOfMemoryError) << size;
+        EXPECT_THROW(buffer.setLength(size), NEBOutOfMemoryError) << size;
+    }
+    EXPECT_EQ("abc", held(buffer));
+}
+}  // namespace
