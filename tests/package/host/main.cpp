@@ -109,7 +109,7 @@ bool catchesEverything()
 
 bool signs(std::string const& directory)
 {
-    NEBConfigurationStore::getStore().setValue("cryptoKeyFile", (directory + "/master.key").c_str());
+    setenv("XDG_STATE_HOME", directory.c_str(), 1);  // where the first start makes the key
     Arxium::initialize();
     std::string url;
     ARXUriDispatchHelper::genGatewayUrlForFile("/data/report.pdf", url, "session", false);
