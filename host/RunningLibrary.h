@@ -1,0 +1,17 @@
+// Keeps the library started for its own lifetime.
+
+#ifndef ARXHOST_RUNNINGLIBRARY_H
+#define ARXHOST_RUNNINGLIBRARY_H
+
+class RunningLibrary
+{
+public:
+    // Raises what Arxium::initialize raises.
+    RunningLibrary();
+    ~RunningLibrary();
+
+    RunningLibrary(RunningLibrary const&) = delete;
+    RunningLibrary& operator=(RunningLibrary const&) = delete;
+};
+
+#endif

@@ -1,0 +1,158 @@
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+#include "ARXResource/ARXI18NRes.h"
+#include "NEBCFGAPI/NEBConfigurationStore.h"
+#include "host/Commands.h"
+#include "host/Failure.h"
+#include "host/RunningLibrary.h"
+#include "host/SealedFile.h"
+#include "host/SignedUrl.h"
+#include "text/NEBUtHRTimer.h"
+
+namespace
+{
+int constexpr s_gatewaySetting = 6;
+char constexpr s_session[] = "tour-session";
+
+// Prints a line a step, with the time since the step before it.
+class Steps
+{
+public:
+    Steps()
+    {
+        NEBUtHRTimer::initialize();
+        m_timer.start();
+    }
+    ~Steps() { NEBUtHRTimer::terminate(); }
+    Steps(Steps const&) = delete;
+    Steps& operator=(Steps const&) = delete;
+
+    void tell(std::string const& text)
+    {
+        std::printf("%9.3f ms  %s\n", static_cast<double>(m_timer.getElapsed(true)) / 1e6, text.c_str());
+        m_timer.start();
+    }
+
+private:
+    NEBUtHRTimer m_timer;
+};
+
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string path = (std::filesystem::temp_directory_path() / "arxhost-XXXXXX").string();
+        if (!mkdtemp(path.data()))
+            systemFailed(NEB_HERE, path);
+        m_path = path;
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+    TemporaryFolder(TemporaryFolder const&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
+
+    std::string at(char const* name) const { return m_path / name; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+std::string readFile(std::string const& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Raises if the outcome is not the wanted one: a tour that shows something else must not look like success.
+void expect(bool condition, char const* what)
+{
+    if (!condition)
+        failed(NEB_HERE, std::string("The tour expected that ") + what + ".");
+}
+
+std::string tampered(std::string url)
+{
+    char& victim = url[url.find("&s=") + 3];
+    victim = victim == 'A' ? 'B' : 'A';
+    return url;
+}
+
+void tourUrls(Steps& steps, std::string const& file)
+{
+    std::string const url = signFile(file, s_session, false);
+    steps.tell("signed: " + url);
+    expect(findWrongValues(url, s_session).empty(), "the URL is right");
+    steps.tell("checked: right");
+
+    std::vector<std::string> const wrong = findWrongValues(tampered(url), s_session);
+    expect(wrong.size() == 1, "one value of the tampered URL is wrong");
+    steps.tell("tampered URL refused: " + wrong[0]);
+    expect(!findWrongValues(url, "another session").empty(), "another session is refused");
+    steps.tell("another session refused");
+}
+
+void tourSealing(Steps& steps, std::string const& file)
+{
+    TemporaryFolder const folder;
+    std::string const sealed = folder.at("sealed");
+    std::string const unsealed = folder.at("unsealed");
+    sealFile(file, sealed);
+    steps.tell("sealed: " + std::to_string(std::filesystem::file_size(file)) + " bytes became " +
+               std::to_string(std::filesystem::file_size(sealed)));
+    unsealFile(sealed, unsealed);
+    expect(readFile(unsealed) == readFile(file), "the unsealed copy equals the file");
+    steps.tell("unsealed: equal to the file");
+
+    std::fstream(sealed, std::ios::in | std::ios::out | std::ios::binary)
+        .seekp(-1, std::ios::end)
+        .put('\0')
+        .put('\0');
+    bool refused = false;
+    try
+    {
+        unsealFile(sealed, unsealed);
+    }
+    catch (NEBThrowable const&)
+    {
+        refused = true;
+    }
+    expect(refused, "the tampered copy is refused");
+    steps.tell("tampered copy refused");
+}
+
+int tour(std::string const& file)
+{
+    NEBConfigurationStore& settings = NEBConfigurationStore::getStore();
+    I18NString const& gateway = ARXI18NRes::getString(s_gatewaySetting);
+    if (settings.getConfigurationValue(gateway, nullptr).empty())
+        settings.setValue(gateway, "https://files.example/gateway");
+
+    Steps steps;
+    {
+        RunningLibrary const library;
+        steps.tell("started");
+        tourUrls(steps, file);
+        tourSealing(steps, file);
+    }
+    steps.tell("stopped");
+    return 0;
+}
+}  // namespace
+
+void addTourCommand(CLI::App& app, Action& chosen)
+{
+    auto const file = std::make_shared<std::string>();
+    CLI::App* command = app.add_subcommand("tour", "Show the library at work on a file");
+    command->add_option("FILE", *file)->required()->check(CLI::ExistingFile);
+    command->callback([&chosen, file] { chosen = [file] { return tour(*file); }; });
+}

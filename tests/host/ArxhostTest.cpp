@@ -1,0 +1,155 @@
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace
+{
+struct Outcome
+{
+    int m_exitCode;
+    std::string m_output;  // standard output and standard error
+};
+
+// Runs a shell command in a fresh folder, where $A is arxhost. The key lies in that folder too.
+class Arxhost : public testing::Test
+{
+protected:
+    Arxhost()
+    {
+        std::string path = testing::TempDir() + "arxhost-XXXXXX";
+        m_folder = mkdtemp(path.data());
+    }
+    ~Arxhost() override { std::filesystem::remove_all(m_folder); }
+
+    Outcome run(std::string const& command) const
+    {
+        std::string const line = "cd " + m_folder.string() +
+                                 " && export XDG_STATE_HOME=$PWD A=" ARXHOST " && (" + command + ") 2>&1";
+        std::FILE* pipe = popen(line.c_str(), "r");
+        Outcome outcome{};
+        char piece[4096];
+        while (std::size_t const count = std::fread(piece, 1, sizeof piece, pipe))
+            outcome.m_output.append(piece, count);
+        outcome.m_exitCode = WEXITSTATUS(pclose(pipe));
+        return outcome;
+    }
+
+    void write(char const* name, std::string const& text) const
+    {
+        std::ofstream(m_folder / name, std::ios::binary) << text;
+    }
+
+    std::filesystem::path m_folder;
+};
+
+struct CommandCase
+{
+    char const* m_name;
+    char const* m_command;
+    int m_exitCode;
+    char const* m_pattern;  // of the whole output
+};
+
+void PrintTo(CommandCase const& row, std::ostream* stream)
+{
+    *stream << row.m_name;
+}
+
+CommandCase const s_commandCases[] = {
+    {"SignsForTheGateway", "$A --config conf sign dir/f.txt --session s", 0,
+     "http://g/x\\?b_action=dc&f=Zi50eHQ&k=[-_[:alnum:]]{43}&s=[-_[:alnum:]]{43}&did=d1\n"},
+    {"SignsForTheDispatcher", "$A --config conf sign dir/f.txt --session s --dispatcher", 0,
+     "http://e\\?b_action.*\n"},
+    {"RefusesToSignWhatIsNoFile", "$A sign dir --session s", 2,
+     "NEBException\ndir: no such file\n  NEB_THROW at .*\n"},
+    {"ChecksItsOwnUrl", "$A check \"$($A sign dir/f.txt --session s)\" --session s", 0, "right\n"},
+    {"TellsAnotherSession", "$A check \"$($A sign dir/f.txt --session s)\" --session t", 1,
+     "wrong: s is not .*\n"},
+    {"TellsAnotherDispatcher", "$A check \"$($A sign dir/f.txt --session s)x\" --session s", 1,
+     "wrong: did is .*\n"},
+    {"TellsAnotherFile", "$A check \"$($A sign dir/f.txt --session s | sed s/Zi50/Zi51/)\" --session s", 1,
+     "wrong: k is not [^\n]*\nwrong: s is not [^\n]*\n"},
+    {"TellsASecondSpellingOfTheName",
+     "$A check \"$($A sign dir/f.txt --session s | sed s/eHQ/eHR/)\" --session s", 1, "wrong: f is no .*\n"},
+    {"TellsWhatIsNoSignedUrl", "$A check http://x/ --session s", 1, "wrong: the URL lacks .*\n"},
+    {"RefusesABrokenConfiguration", "echo novalue > bad; $A --config bad sign dir/f.txt --session s", 2,
+     "NEBException\nbad:1: .*\n  NEB_THROW at [^\n]*\n"},
+    {"RefusesAnOpenKeyFile",
+     "mkdir -p arxium; head -c 32 /dev/zero > arxium/master.key; chmod 644 arxium/master.key; "
+     "$A sign dir/f.txt --session s",
+     2, "NEBAssertError\n.*crypto initialization failed.*"},
+    {"TakesItsTour", "$A tour dir/f.txt", 0,
+     ".*checked: right\n.*refused.*equal to the file\n.*copy refused\n.*stopped\n"},
+    {"SealsAndUnseals",
+     "$A seal big sealed && $A unseal sealed plain && cmp big plain && ! grep -q needle sealed && ls", 0,
+     "arxium\nbig\nconf\ndir\nplain\nsealed\n"},
+    {"KeepsTheOldFileWhenUnsealingFails",
+     "echo old > plain; $A seal big s1; head -c 70000 s1 > s2; $A unseal s2 plain; cat plain; ls *.part", 2,
+     "NEBException\ns2: is damaged.*\nold\nls: .*"},
+    {"EncodesQuotedPrintable",
+     "printf 'a\\tb=\\303\\251 \\n' | $A qp; printf '\\ta\\t' | $A qp --trailing-tab-only", 0,
+     "a=09b=3D=C3=A9=20\r\n\ta=09"},
+    {"PythonDecodesQuotedPrintable",
+     "$A qp < big > qp && python3 -c \"import quopri; "
+     "assert quopri.decodestring(open('qp','rb').read()) == open('big','rb').read().replace(b'\\n', "
+     "b'\\r\\n')\"",
+     0, ""},
+    {"NormalizesPaths", "$A path normalize 'C:\\a\\..\\b' a/./b", 0, "c:/b\na/b\n"},
+    {"TellsWhichPathCannotBeNormalized", "$A path normalize /..", 2,
+     "NEBAssertError\n.*Cannot descend under root.*"},
+    {"MakesPathsAbsolute", "$A path absolute x /y --pwd C:/w", 0, "C:/w/x\n/y\n"},
+    {"CutsTails", "$A path tail /a/b/c --base /a; $A path tail /a/b/c", 0, "b/c\nc\n"},
+    {"ComparesPaths", "$A path compare a/b 'a\\b' && $A path compare a/b a/c", 1,
+     "equivalent\ndifferent from offset 2 on\n"},
+    {"PrintsChecksums", "$A checksum AB; $A checksum --fold AB; $A checksum --fold ab", 0,
+     "44dbe8dc\ne34542d4\ne34542d4\n"},
+    {"ZipsAndUnzips", "$A zip z.zip dir && $A unzip z.zip out && diff -r dir out", 0, "2 files\n2 entries\n"},
+    {"ZipsWithABase", "$A zip z.zip dir/sub --base dir && $A list z.zip | cut -f 1,2", 0,
+     "1 files\nname\tsize\nsub/g.txt\t2\n"},
+    {"ZipsFlatAndLeavesItselfOut", "$A zip ./dir/z.zip dir --flat && $A list dir/z.zip | cut -f 1", 0,
+     "2 files\nname\nf.txt\ng.txt\n"},
+    {"PrintsAnEntry",
+     "$A zip z.zip dir; $A cat z.zip sub/g.txt; $A cat - sub/g.txt < z.zip; cat z.zip | $A cat - f.txt", 0,
+     "2 files\ng\ng\nf\n"},
+    {"TellsAMissingEntry", "$A zip z.zip dir; $A cat z.zip none", 1, "2 files\narxhost: no entry none\n"},
+    {"TellsADamagedEntry",
+     "head -c 9999 /dev/urandom > dir/r; $A zip z.zip dir && python3 -c "
+     "\"b=bytearray(open('z.zip','rb').read()); "
+     "b[5000]^=1; open('z.zip','wb').write(b)\"; $A cat z.zip r > /dev/null",
+     2, "3 files\nNEBException\nr: is damaged.*"},
+    {"TellsWhatIsNoArchive", "$A unzip conf; $A list conf", 2,
+     "NEBException\nconf: no archive.*NEBAssertError\n.*"},
+    {"TellsAFullDisk", "$A qp < big > /dev/full", 2, "NEBException\nStandard output can't be written.*"},
+    {"TellsWrongUsage", "$A sign", 2, "FILE is required.*"},
+};
+
+class ArxhostCommand : public Arxhost, public testing::WithParamInterface<CommandCase>
+{
+};
+
+TEST_P(ArxhostCommand, GivesThatOutput)
+{
+    std::filesystem::create_directories(m_folder / "dir/sub");
+    write("dir/f.txt", "f\n");
+    write("dir/sub/g.txt", "g\n");
+    write("conf", "gatewayUrl=http://g/x\nexternalDispatcherUrl = http://e\n# comment\ndispatcherID=d1\n");
+    std::string big;
+    for (int i = 0; i < 30000; ++i)
+        big += "needle " + std::to_string(i) + (i % 7 ? " =\x80" : "\n");
+    write("big", big);
+
+    Outcome const outcome = run(GetParam().m_command);
+    EXPECT_EQ(GetParam().m_exitCode, outcome.m_exitCode) << outcome.m_output;
+    EXPECT_THAT(outcome.m_output, testing::MatchesRegex(GetParam().m_pattern));
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, ArxhostCommand, testing::ValuesIn(s_commandCases),
+                         [](auto const& row) { return row.param.m_name; });
+}  // namespace
