@@ -13,6 +13,8 @@ function(arxium_configure target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
         $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
+        # A library's calls of its own functions can be inlined: nobody replaces them one by one.
+        -fno-semantic-interposition
         # Back traces name sources relative to the root, the same on every machine.
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
     # The project's own libraries bring headers of the names that our stand-ins have too.
@@ -36,7 +38,10 @@ function(arxium_configure_shared target)
         BUILD_RPATH_USE_ORIGIN ON
         INSTALL_RPATH "$ORIGIN"
         VERIFY_INTERFACE_HEADER_SETS ON)
-    target_link_options(${target} PRIVATE $<$<NOT:$<BOOL:${ARXIUM_SANITIZE}>>:-Wl,--no-undefined>)
+    # Sanitizers leave symbols to their runtime; every other build refuses missing ones.
+    if(NOT ARXIUM_SANITIZE)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
 endfunction()
 
 # A stand-in for a library that is not on this machine. A project that defines a target of that name first keeps its own.
