@@ -1,7 +1,7 @@
 #include "support/CryptoRecorder.h"
 
 #include <algorithm>
-#include <cstring>
+#include <regex>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -46,6 +46,14 @@ std::vector<std::string> CryptoRecorder::takeCalls()
 {
     std::lock_guard const guard(m_lock);
     return std::exchange(m_calls, {});
+}
+
+std::string CryptoRecorder::takeStory()
+{
+    std::string story;
+    for (std::string const& call : takeCalls())
+        story += (story.empty() ? "" : ", ") + std::regex_replace(call, std::regex("^KRY_(Crypto)?"), "");
+    return story;
 }
 
 std::vector<std::string> CryptoRecorder::problems()
