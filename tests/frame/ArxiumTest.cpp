@@ -46,6 +46,15 @@ TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWork)
     }
 }
 
+TEST_F(ArxiumTest, TheLastStopClosesSharedSessionsWhileTheInterfaceIsUp)
+{
+    Arxium::initialize();
+    ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle("cnfg", "info"));
+    Arxium::terminate();
+    EXPECT_EQ(s_start + ", PersistentInitialize cnfg, SetInfo S1 info, CloseHandle S1, " + s_stop,
+              m_recorder.takeStory());
+}
+
 TEST_F(ArxiumTest, AFailedStartDoesNotCountAndTheNextOneIsAFirstStartAgain)
 {
     std::string const refused =
