@@ -2,7 +2,6 @@
 #include <minizip/ioapi.h>
 
 #include "zip/ARXZlibConstCharIO.h"
-#include "zip/ARXZlibFileStreamIO.h"
 #include "zip/ZipTools.h"
 
 namespace
@@ -45,27 +44,5 @@ TEST(ARXZlibConstCharIO, RefusesToWriteAndToDoWithoutItsRecord)
     EXPECT_EQ("NEB_ASSERT(buf); x1", failureOf([&] { table.zread_file(nullptr, &s_buffer, nullptr, 1); }));
     EXPECT_EQ("NEB_ASSERT_NAMED(false, \"Cannot write to const char* buffer\"); x1",
               failureOf([&] { table.zwrite_file(nullptr, &s_buffer, "x", 1); }));
-}
-
-TEST(ZlibTables, ReadFromTheStartToTheEndAndNoFurther)
-{
-    TemporaryFolder const folder;
-    writeTree(folder.path(), {{"f", "abcde"}});
-    std::FILE* const file = std::fopen((folder / "f").c_str(), "rb");
-    zlib_filefunc_def_s files, memory;
-    fillZlibFileStreamIO(&files, file);
-    fillZlibConstCharIO(&memory, &s_buffer);
-    for (zlib_filefunc_def_s const& table : {files, memory, files, memory})
-    {
-        voidpf const stream = table.zopen_file(table.opaque, nullptr, 0);
-        std::string all;
-        char piece[10];
-        for (uLong size : {1, 3, 10, 1, 10})
-            all.append(piece, table.zread_file(nullptr, stream, piece, size)) += '|';
-        EXPECT_EQ("a|bcd|e|||", all);
-        EXPECT_EQ(-1, table.zseek_file(nullptr, stream, 0, 3));
-        EXPECT_EQ(0, table.zerror_file(nullptr, stream) + table.zclose_file(nullptr, stream));
-    }
-    std::fclose(file);
 }
 }  // namespace

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -45,16 +44,6 @@ inline void writeTree(std::string const& folder, Tree const& tree)
         if (name.back() != '/')
             std::ofstream(folder + "/" + name, std::ios::binary) << bytes;
     }
-}
-
-// That many bytes that no method can shrink.
-inline std::string noise(std::size_t size)
-{
-    std::string bytes(size, '\0');
-    std::mt19937 generator(1);
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator());
-    return bytes;
 }
 
 // Runs a shell command quietly in a folder.
