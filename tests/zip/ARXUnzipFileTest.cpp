@@ -109,7 +109,7 @@ TEST_F(ARXUnzipFileTest, NamesStayInTheFolderOrAreRefused)
             expected["p/to/" + name] = name.back() == '/' ? "" : row.m_entry;
         EXPECT_EQ(expected, readTree("."));
     }
-    for (std::size_t length : {258, 259, 260, 300})
+    for (std::size_t length : {258u, 259u, 260u, 300u})
     {
         makeArchive("out.zip", {std::string(150, 'd') + "/" + std::string(length - 151, 'f')});
         EXPECT_EQ(length < 260, ARXUnzipFile::unzip("out.zip", std::to_string(length).c_str(), false));
@@ -176,7 +176,7 @@ TEST_F(ARXUnzipFileTest, OnlyTheTimeOfTheLastChangeIsSet)
 
 TEST_F(ARXUnzipFileTest, ADescriptionHoldsTheNumbersAndCutsTheComment)
 {
-    for (std::size_t length : {0, 255, 256, 300})
+    for (std::size_t length : {0u, 255u, 256u, 300u})
     {
         I18NString const comment(std::string(length, 'c').c_str());
         makeArchive("out.zip", {"12345"}, {{38, "\x13\4\5\6"}}, &comment);

@@ -110,7 +110,7 @@ TEST_F(ARXZipInputStreamTest, NamesHaveLimits)
     std::string const tooLong =
         "NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than "
         "data structure used to hold it.\"); x1";
-    for (std::size_t length : {257, 258, 259, 260, 300})
+    for (std::size_t length : {257u, 258u, 259u, 260u, 300u})
     {
         makeArchive("out.zip", {std::string(length, 'n'), "behind"});
         ARXZipInputStream stream("out.zip");
