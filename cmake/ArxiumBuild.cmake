@@ -1,7 +1,5 @@
 # What every target built here has in common. All of it is private to the targets: nothing reaches a parent project.
 
-include(CheckLinkerFlag)
-
 function(arxium_configure target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES
