@@ -46,7 +46,8 @@ Forms constexpr s_formsTabLiteral = makeForms(true);
 std::ptrdiff_t constexpr s_stepSize = 8;
 
 // Copies eight bytes and answers how many at their start are literal in every setting. Each test below marks
-// the high bit of a byte; a carry can spoil only the bytes behind a marked one.
+// the high bit of a byte, if not of others from 0x80 up too; a carry can spoil only the bytes behind a marked
+// one.
 std::ptrdiff_t copyLiterals(char* target, char const* data)
 {
     std::uint64_t constexpr ones = 0x0101010101010101;
@@ -55,9 +56,8 @@ std::ptrdiff_t copyLiterals(char* target, char const* data)
     std::memcpy(&bytes, data, s_stepSize);
     std::memcpy(target, &bytes, s_stepSize);
     bytes = le64toh(bytes);
-    std::uint64_t const notEqualSigns = bytes ^ ('=' * ones);
     std::uint64_t const belowBlank = bytes - 0x20 * ones;
-    std::uint64_t const equalSign = (notEqualSigns - ones) & ~notEqualSigns;
+    std::uint64_t const equalSign = (bytes ^ ('=' * ones)) - ones;
     std::uint64_t const aboveTilde = bytes | (bytes + ones);
     std::uint64_t const marks = (belowBlank | equalSign | aboveTilde) & highBits;
     return marks == 0 ? s_stepSize : __builtin_ctzll(marks) / 8;

@@ -71,7 +71,7 @@ bool readEntryType(int directory, dirent const& entry, mode_t& type)
 
 bool listEntries(DIR* directory, std::vector<std::string>& files, std::vector<std::string>& dirs)
 {
-    errno = 0;
+    errno = 0;  // the only way to tell the end from a failure
     while (dirent const* entry = readdir(directory))
     {
         std::string const name = entry->d_name;

@@ -247,7 +247,7 @@ TEST(ARXFmDir, RefusesMisuseAndLeavesTheOutStringAlone)
 TEST(ARXFmDir, TakesACurrentDirectoryOfAtMost260Bytes)
 {
     TemporaryFolder const base;
-    for (std::size_t const length : {260, 261})
+    for (std::size_t const length : {260u, 261u})
     {
         std::string const path = base / std::string(length - base.path().size() - 1, 'x');
         std::filesystem::create_directory(path);

@@ -163,7 +163,8 @@ std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third)
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
                              std::uint32_t* outSize, void*)
 {
-    std::string const bytes(data, size);
+    // A large piece is not looked at: it may be a mapping without pages behind it.
+    std::string const bytes = size > 0xFFFFFF ? std::to_string(size) + " bytes" : std::string(data, size);
     Fault const fault = s_recorder.record("KRY_ProtectData", s_recorder.use(session) + " " + bytes);
     auto* const known = static_cast<CryptoRecorder::Session*>(session);
     if (known && known->m_busy.exchange(true))
@@ -175,9 +176,8 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
         known->m_busy = false;
 
     std::int32_t const status = s_recorder.answer(fault, nullptr);
-    bool const isFile = known && known->m_infoDoc.find("<fileOutput>") != std::string::npos;
     // Something comes back on failure too, so that nobody gets away with looking at the status first.
-    if (!isFile)
+    if (known && known->m_infoDoc.find("file") == std::string::npos)
         *outData = s_recorder.handOut("<" + bytes + ">", "data"), *outSize = size + 2;
     return status;
 }

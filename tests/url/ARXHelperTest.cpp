@@ -62,7 +62,7 @@ TEST_F(ARXHelperTest, PassesLettersDigitsSixSignsAndNoOtherAscii)
     char const passed[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789()*-._";
     for (char16_t unit = 0; unit < 0x80; ++unit)
     {
-        char escape[4];
+        char escape[8];
         std::snprintf(escape, sizeof escape, "%%%02x", unsigned(unit));
         bool const isPassed = unit != 0 && std::strchr(passed, unit);
         std::string const expected = isPassed ? std::string(1, char(unit)) : unit == u' ' ? "+" : escape;
