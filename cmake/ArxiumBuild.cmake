@@ -28,13 +28,15 @@ function(arxium_configure target)
     endif()
 endfunction()
 
-# What our shared libraries have in common beyond that. Wherever they are installed, they find each other.
+# What our shared libraries have in common beyond that. Wherever they are installed, they find each other, and
+# the project's own libraries where those were at build time.
 function(arxium_configure_shared target)
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
         BUILD_RPATH_USE_ORIGIN ON
         INSTALL_RPATH "$ORIGIN"
+        INSTALL_RPATH_USE_LINK_PATH ON
         VERIFY_INTERFACE_HEADER_SETS ON)
     # Sanitizers leave symbols to their runtime; every other build refuses missing ones.
     if(NOT ARXIUM_SANITIZE)

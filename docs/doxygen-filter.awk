@@ -1,9 +1,15 @@
 # Shows our plain comments to doxygen: what stands before or behind a declaration documents it, and what opens a header
 # documents the class that the header is named after.
 
-function escaped(text) {
-    gsub(/[\\@<>&#%]/, "\\\\&", text)
-    return text
+# Doxygen takes what stands between two quotes of one line as it is.
+function escaped(text,    parts, count, i, result) {
+    count = split(text, parts, "\"")
+    for (i = 1; i <= count; ++i) {
+        if (i % 2 == 1 || i == count)
+            gsub(/[\\@<>&#%]/, "\\\\&", parts[i])
+        result = result (i > 1 ? "\"" : "") parts[i]
+    }
+    return result
 }
 
 BEGIN {
