@@ -3,6 +3,7 @@
 #ifndef ARXIUM_TESTS_PLATFORM_KRYSTARTED_H
 #define ARXIUM_TESTS_PLATFORM_KRYSTARTED_H
 
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -16,6 +17,8 @@
 
 inline void writeFile(std::string const& path, std::string_view bytes, mode_t mode = 0600)
 {
+    std::remove(
+        path.c_str());  // an overwritten file would go to the disk at once on ext4, a new one does not
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     ASSERT_EQ(0, chmod(path.c_str(), mode));
 }
