@@ -1,8 +1,8 @@
 #include "prod/SmartPointers/NEBAutoFactoryPointer.h"
 
 #include <stdexcept>
+#include <tuple>
 
-#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "crypto/ARXKRYDataPtr.h"
 #include "crypto/ARXKRYHandle.h"
 #include "crypto/ARXKRYHandleFactory.h"
@@ -13,99 +13,65 @@
 
 namespace
 {
-enum class Manner
-{
-    Good,
-    Careless,
-    Raising,
-    PuttingBack
-};
+std::string s_destroyed;
 
 class Guard final : public NEBAutoFactoryPointer<int>
 {
 public:
-    Guard(int* pointer, Lines& destroyed, Manner manner = Manner::Good)
-        : NEBAutoFactoryPointer<int>(pointer), m_destroyed(destroyed), m_manner(manner)
+    Guard(int* pointer, std::string manner) : NEBAutoFactoryPointer<int>(pointer), m_manner(std::move(manner))
     {
     }
     ~Guard() override
     {
-        if (m_manner != Manner::Careless)
+        if (m_manner != "careless")
             giveBack();
     }
     void destroy(int* pointer) override
     {
-        m_destroyed.push_back(pointer ? std::to_string(*pointer) : "null");
-        if (m_manner == Manner::PuttingBack)
-            NEBAutoPointer<int>::reset(pointer);
-        else
-            delete pointer;
-        if (m_manner == Manner::Raising)
+        s_destroyed += pointer ? std::to_string(*pointer) : "null";
+        if (m_manner == "puts back")
+            return NEBAutoPointer<int>::reset(pointer);
+        delete pointer;
+        if (m_manner == "raises")
             throw std::runtime_error("raised");
     }
 
 private:
-    Lines& m_destroyed;
-    Manner m_manner;
+    std::string m_manner;
 };
 
-class NEBAutoFactoryPointerTest : public RecordedTest
-{
-};
+using NEBAutoFactoryPointerTest = RecordedTest;
 }  // namespace
 
-TEST_F(NEBAutoFactoryPointerTest, GivesBackOnceInEveryManner)
+TEST_F(NEBAutoFactoryPointerTest, GivesBackOnceAndTellsOfWhatIsLeft)
 {
     std::string const left =
-        "NEBAssertError: NEB_ASSERT_NAMED(!NEBAutoPointer<T>::get(), \"auto_ptr must be NULL\");";
-    struct
+        "NEBAssertError: NEB_ASSERT_NAMED(!NEBAutoPointer<T>::get(), \"auto_ptr must be NULL\");"
+        " | prod/SmartPointers/NEBAutoFactoryPointer.h NEB_THROW";
+    std::tuple<char const*, std::string, std::string> const s_cases[] = {
+        {"good", "1", ""}, {"raises", "1", ""}, {"puts back", "1", ""}, {"careless", "", left}};
+    for (auto const& [manner, destroyed, raised] : s_cases)
     {
-        Manner m_manner;
-        Lines m_destroyed;
-        Lines m_raised;
-    } const s_cases[] = {
-        {Manner::Good, {"1"}, {}},
-        {Manner::Raising, {"1"}, {}},
-        {Manner::PuttingBack, {"1"}, {}},
-        {Manner::Careless, {}, {left, "prod/SmartPointers/NEBAutoFactoryPointer.h NEB_THROW"}},
-    };
-    for (auto const& manner : s_cases)
-    {
-        Lines destroyed;
-        EXPECT_EQ(manner.m_raised, raisedBy([&] { Guard(new int(1), destroyed, manner.m_manner); }));
-        EXPECT_EQ(manner.m_destroyed, destroyed);
+        s_destroyed.clear();
+        EXPECT_EQ(raised, joined(raisedBy([&name = manner] { Guard(new int(1), name); })));
+        EXPECT_EQ(destroyed, s_destroyed);
     }
 }
 
 TEST_F(NEBAutoFactoryPointerTest, ResetDestroysWhatWasHeldUnlessItIsTheSame)
 {
-    Lines destroyed;
-    Guard guard(nullptr, destroyed);
+    s_destroyed.clear();
+    Guard guard(nullptr, "good");
     guard.reset(nullptr);
-    EXPECT_EQ(Lines(), destroyed);
     guard.reset(new int(1));
     guard.reset(guard.get());
-    EXPECT_EQ(Lines{"null"}, destroyed);
+    EXPECT_EQ("null", s_destroyed);
     guard.reset(new int(2));
-    EXPECT_EQ((Lines{"null", "1"}), destroyed);
+    EXPECT_EQ("null1", s_destroyed);
     EXPECT_EQ(2, *guard);
-    guard.reset(nullptr);
-    EXPECT_EQ((Lines{"null", "1", "2"}), destroyed);
 }
 
-TEST_F(NEBAutoFactoryPointerTest, DataGoesBackThroughItsHandleAndNullNowhere)
-{
-    ARXKRYHandle handle;
-    for (Fault const fault : {Fault::None, Fault::Exception})
-    {
-        m_recorder.failCall("KRY_CryptoFree", 1, fault);
-        ARXKRYDataPtr(&handle, m_recorder.handOut("bytes", "data"));
-        ARXKRYDataPtr(&handle, nullptr);
-        EXPECT_EQ(Lines{"KRY_CryptoFree data"}, m_recorder.takeCalls());
-    }
-}
-
-TEST_F(NEBAutoFactoryPointerTest, AHandleGoesBackToTheFactoryAndIsLostWithoutOne)
+TEST_F(NEBAutoFactoryPointerTest, MemoryAndHandlesGoBackToTheirMakersAndNullNowhere)
 {
     {
         ARXSimpleKRYHandleIPtr const nothing(nullptr);
@@ -115,11 +81,14 @@ TEST_F(NEBAutoFactoryPointerTest, AHandleGoesBackToTheFactoryAndIsLostWithoutOne
         ARXKRYHandleI* const handle = ARXKRYHandleFactory::createHandle();
         ARXSimpleKRYHandleIPtr const guard(handle);
         handle->persistentInitialize("cnfg", nullptr);
+        m_recorder.failCall("KRY_CryptoFree", 1, Fault::Exception);
+        ARXKRYDataPtr const data(handle, m_recorder.handOut("bytes", "data"));
+        ARXKRYDataPtr const nothing(handle, nullptr);
     }
-    EXPECT_EQ((Lines{"KRY_PersistentInitialize cnfg", "KRY_CloseHandle S1"}), m_recorder.takeCalls());
+    EXPECT_EQ("PersistentInitialize cnfg, Free data, CloseHandle S1", m_recorder.takeStory());
     Arxium::terminate();
     ARXKRYHandle handle;
     {
         ARXSimpleKRYHandleIPtr const late(&handle);
-    }
+    }  // nobody takes it any more
 }

@@ -1,6 +1,7 @@
 #include "frame/ARXException.h"
 
 #include <memory>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -20,23 +21,17 @@ NEBFileLocation const s_place("place", 1);
 
 TEST(ARXException, EachConstructorSetsWhatItsFormSays)
 {
-    struct
-    {
-        ARXException m_error;
-        NEBSeverity m_severity;
-        std::int32_t m_code;
-        char const* m_message;
-    } const s_forms[] = {
+    std::tuple<ARXException, NEBSeverity, std::int32_t, char const*> const s_forms[] = {
         {ARXException(7), 1, 7, ""},
         {ARXException(3, 7), 3, 7, ""},
         {ARXException("text"), 1, 0, "text"},
         {ARXException(3, "text"), 3, 0, "text"},
     };
-    for (auto const& form : s_forms)
+    for (auto const& [error, severity, code, message] : s_forms)
     {
-        EXPECT_EQ(form.m_severity, form.m_error.getSeverity());
-        EXPECT_EQ(form.m_code, form.m_error.getCode());
-        EXPECT_STREQ(form.m_message, form.m_error.getMessage());
+        EXPECT_EQ(severity, error.getSeverity());
+        EXPECT_EQ(code, error.getCode());
+        EXPECT_STREQ(message, error.getMessage());
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -37,19 +38,15 @@ TEST(NEBNew, TellsEachFailureInItsOwnWay)
 {
     std::string const thrown = "tests/frame/ARXNewTest.cpp NEB_THROW";
     std::string const passed = "tests/frame/ARXNewTest.cpp NEB_RETHROW";
-    struct
-    {
-        char const* m_failure;
-        Lines m_raised;
-    } const s_failures[] = {
+    std::pair<char const*, Lines> const s_failures[] = {
         {"none", {}},
         {"null", {"NEBOutOfMemoryError: ", thrown, passed}},
         {"bad_alloc", {"NEBOutOfMemoryError: ", thrown}},
         {"std", {"NEBStdExceptionError: out of range", thrown}},
         {"assertion", {"NEBAssertError: NEB_ASSERT(kind != \"assertion\");", thrown, passed}},
     };
-    for (auto const& failure : s_failures)
-        EXPECT_EQ(failure.m_raised, raisedBy([&] { guarded(failure.m_failure); })) << failure.m_failure;
+    for (auto const& [failure, raised] : s_failures)
+        EXPECT_EQ(raised, raisedBy([&name = failure] { guarded(name); })) << failure;
     EXPECT_EQ(&s_object, guarded("none"));
     EXPECT_THROW(guarded("foreign"), int);
 }

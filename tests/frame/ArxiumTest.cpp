@@ -1,6 +1,7 @@
 #include "frame/Arxium.h"
 
 #include <thread>
+#include <tuple>
 
 #include "crypto/ARXKRYHandleFactory.h"
 #include "support/CryptoRecorder.h"
@@ -8,80 +9,70 @@
 
 namespace
 {
+std::string const s_head = " <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>";
+std::string const s_body = "Document><serviceID>Arxium</serviceID></";
 std::string const s_start =
-    "KRY_CryptoInitialize <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>"
-    "<initializeDocument><serviceID>Arxium</serviceID></initializeDocument>";
-std::string const s_stop =
-    "KRY_CryptoTerminate <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>"
-    "<terminateDocument><serviceID>Arxium</serviceID></terminateDocument>";
-char const s_refused[] =
-    "NEBAssertError: NEB_ASSERT_NAMED(::initCrypto(), \"Arxium::initialize - crypto initialization "
-    "failed\");";
+    "I18NInitialize, Initialize" + s_head + "<initialize" + s_body + "initializeDocument>";
+std::string const s_stop = "Terminate" + s_head + "<terminate" + s_body + "terminateDocument>, I18NTerminate";
 
 bool isServing()
 {
     return raisedBy([] { ARXKRYHandleFactory::destroyHandle(nullptr); }).empty();
 }
+using ArxiumTest = RecordedTest;
 }  // namespace
-
-class ArxiumTest : public RecordedTest
-{
-};
 
 TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWork)
 {
     // F a full start, H one without services, T a stop.
-    struct
-    {
-        char const* m_steps;
-        Lines m_calls;
-    } const s_sequences[] = {
-        {"FT", {"F", "I18NInitialize", s_start, "T", s_stop, "I18NTerminate"}},
-        {"HT", {"H", "T"}},
-        {"HFTT", {"H", "F", "T", "T"}},
-        {"FHTT", {"F", "I18NInitialize", s_start, "H", "T", "T", s_stop, "I18NTerminate"}},
-        {"HTFT", {"H", "T", "F", "I18NInitialize", s_start, "T", s_stop, "I18NTerminate"}},
+    std::pair<char const*, std::string> const s_sequences[] = {
+        {"FT", "F, " + s_start + ", T, " + s_stop},
+        {"HT", "H, T"},
+        {"HFTT", "H, F, T, T"},
+        {"FHTT", "F, " + s_start + ", H, T, T, " + s_stop},
+        {"HTFT", "H, T, F, " + s_start + ", T, " + s_stop},
     };
-    for (auto const& sequence : s_sequences)
+    for (auto const& [steps, story] : s_sequences)
     {
         int starts = 0;
-        for (char const* step = sequence.m_steps; *step; ++step)
+        for (char const* step = steps; *step; ++step)
         {
             m_recorder.record({*step}, "");
+            *step == 'T' ? Arxium::terminate() : Arxium::initialize(*step == 'F');
             starts += *step == 'T' ? -1 : 1;
-            *step == 'F'   ? Arxium::initialize()
-            : *step == 'H' ? Arxium::initialize(false)
-                           : Arxium::terminate();
             EXPECT_EQ(starts > 0, isServing()) << step;
         }
-        EXPECT_EQ(sequence.m_calls, m_recorder.takeCalls()) << sequence.m_steps;
+        EXPECT_EQ(story, m_recorder.takeStory());
     }
+}
+
+TEST_F(ArxiumTest, TheLastStopClosesSharedSessionsWhileTheInterfaceIsUp)
+{
+    Arxium::initialize();
+    ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle("cnfg", "info"));
+    Arxium::terminate();
+    EXPECT_EQ(s_start + ", PersistentInitialize cnfg, SetInfo S1 info, CloseHandle S1, " + s_stop,
+              m_recorder.takeStory());
 }
 
 TEST_F(ArxiumTest, AFailedStartDoesNotCountAndTheNextOneIsAFirstStartAgain)
 {
-    struct
-    {
-        Fault m_fault;
-        Lines m_raised;
-        Lines m_frees;
-    } const s_failures[] = {
-        {Fault::Details, {s_refused, "frame/Arxium.cpp NEB_THROW"}, {"KRY_CryptoFree details"}},
-        {Fault::Status, {s_refused, "frame/Arxium.cpp NEB_THROW"}, {}},
-        {Fault::Exception, {"raised"}, {"KRY_CryptoFree details"}},
+    std::string const refused =
+        "NEBAssertError: NEB_ASSERT_NAMED(::initCrypto(), \"Arxium::initialize - crypto "
+        "initialization failed\"); | frame/Arxium.cpp NEB_THROW";
+    std::tuple<Fault, std::string, std::string> const s_failures[] = {
+        {Fault::Details, refused, ", Free details"},
+        {Fault::Status, refused, ""},
+        {Fault::Exception, "raised", ", Free details"},
     };
-    for (auto const& failure : s_failures)
+    for (auto const& [fault, raised, frees] : s_failures)
     {
-        m_recorder.failCall("KRY_CryptoInitialize", 1, failure.m_fault);
-        EXPECT_EQ(failure.m_raised, raisedBy([] { Arxium::initialize(); }));
+        m_recorder.failCall("KRY_CryptoInitialize", 1, fault);
+        EXPECT_EQ(raised, joined(raisedBy([] { Arxium::initialize(); })));
         EXPECT_FALSE(isServing());
-        Lines calls{"I18NInitialize", s_start};
-        calls.insert(calls.end(), failure.m_frees.begin(), failure.m_frees.end());
-        EXPECT_EQ(calls, m_recorder.takeCalls());
-
         Arxium::initialize();
         Arxium::terminate();
-        EXPECT_EQ((Lines{"I18NInitialize", s_start, s_stop, "I18NTerminate"}), m_recorder.takeCalls());
+        EXPECT_EQ(s_start + frees + ", " + s_start + ", " + s_stop, m_recorder.takeStory());
     }
 }
 
@@ -99,9 +90,9 @@ TEST_F(ArxiumTest, AFailedStopIsCompletedSilently)
 
 TEST_F(ArxiumTest, AStopBeforeAnyStartIsRefused)
 {
-    EXPECT_EQ((Lines{"NEBAssertError: NEB_ASSERT(m_initcount > 0);", "frame/Arxium.cpp NEB_THROW"}),
-              raisedBy([] { Arxium::terminate(); }));
-    EXPECT_EQ(Lines(), m_recorder.takeCalls());
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(m_initcount > 0); | frame/Arxium.cpp NEB_THROW",
+              joined(raisedBy([] { Arxium::terminate(); })));
+    EXPECT_EQ("", m_recorder.takeStory());
 }
 
 TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefusedAndDoNotWrapIt)

@@ -117,7 +117,7 @@ TEST(ARXOJDQuotedPrintableOutputStreamWrite, RandomBytesComeBackFromLinesOfAtMos
         bool const tabOnlyTrailing = round % 3 == 0;
         std::string bytes, expected;
         for (int at = 0; at < 600; ++at)
-            bytes += static_cast<char>(random() % odd == 0 ? random() : edges[random() % edges.size()]);
+            bytes += random() % odd == 0 ? static_cast<char>(random()) : edges[random() % edges.size()];
         for (char const byte : bytes += "z")
             expected +=
                 byte == '\n' && (expected.empty() || expected.back() != '\r') ? "\r\n" : std::string(1, byte);

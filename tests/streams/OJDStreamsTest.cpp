@@ -39,7 +39,7 @@ TEST(OJDFileOutputStream, ReplacesTheFileByWhatIsWrittenInAnyPieces)
     {
         OJDFileOutputStream stream(name.c_str(), 0);
         std::size_t at = 0;
-        for (std::size_t const size : {0, 1, 16382, 1, 1, 16383, 16384, 16385, 5, 100000, 34458})
+        for (unsigned const size : {0u, 1u, 16382u, 1u, 1u, 16383u, 16384u, 16385u, 5u, 100000u, 34458u})
         {
             stream.write(all.data() + at, size);
             at += size;

@@ -38,6 +38,8 @@ public:
     // The calls since this was last asked: the function's name, then "S1" for the session, document or data.
     // Sessions and what is freed are named in the order in which, and as what, they were handed out.
     std::vector<std::string> takeCalls();
+    // The same in one line: "SetInfo S1 info, Free details", without "KRY_" and "Crypto".
+    std::string takeStory();
     // What was not given back, and calls that overlapped or came behind the end of their session.
     std::vector<std::string> problems();
 

@@ -24,6 +24,14 @@ inline Lines describe(NEBThrowable const& error)
     return lines;
 }
 
+inline std::string joined(Lines const& lines)
+{
+    std::string text;
+    for (std::string const& line : lines)
+        text += (text.empty() ? "" : " | ") + line;
+    return text;
+}
+
 template <class Call>
 Lines raisedBy(Call const& call)
 {

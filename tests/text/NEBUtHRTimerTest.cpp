@@ -2,25 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "os/OsCounter.h"
 
 namespace
 {
+using Numbers = std::vector<std::uint64_t>;
+
 struct Machine
 {
-    DWORD_PTR m_processMask = 0xC;
-    bool m_hasMask = true;
-    bool m_hasFrequency = true;
-    std::uint64_t m_frequency = 10000000;
-    std::uint64_t m_ticks = 0;
-    std::vector<std::string> m_calls;
-};
-
-Machine s_machine;
-DWORD_PTR constexpr s_threadMask = 0xF0;  // what the thread has before each pinning
+    DWORD_PTR m_processMask;
+    BOOL m_hasMask;
+    std::int64_t m_frequency;  // 0: refused
+    std::int64_t m_ticks = 0;
+    Numbers m_masks{};  // that a thread was given, and 7 for each reading of the counter
+} s_machine;
 }  // namespace
 
 HANDLE GetCurrentProcess()
@@ -30,128 +27,84 @@ HANDLE GetCurrentProcess()
 
 HANDLE GetCurrentThread()
 {
-    return &s_machine.m_ticks;
+    return &s_machine.m_masks;
 }
 
 BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR*)
 {
     *processMask = s_machine.m_processMask;
-    return s_machine.m_hasMask && process == GetCurrentProcess();
+    return process == &s_machine ? s_machine.m_hasMask : 0;
 }
 
 DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
 {
-    s_machine.m_calls.push_back("mask " + std::to_string(mask));
-    return mask == 0 || thread != GetCurrentThread() ? 0 : s_threadMask;
+    s_machine.m_masks.push_back(mask);
+    return mask == 0 || thread != &s_machine.m_masks ? 0 : 0xF0;
 }
 
 BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency)
 {
-    frequency->QuadPart = static_cast<std::int64_t>(s_machine.m_frequency);
-    return s_machine.m_hasFrequency;
+    frequency->QuadPart = s_machine.m_frequency;
+    return s_machine.m_frequency != 0;
 }
 
 BOOL QueryPerformanceCounter(LARGE_INTEGER* counter)
 {
-    s_machine.m_calls.push_back("read");
-    counter->QuadPart = static_cast<std::int64_t>(s_machine.m_ticks);
+    s_machine.m_masks.push_back(7);
+    counter->QuadPart = s_machine.m_ticks;
     return 0;  // looked at by nobody
 }
 
 namespace
 {
-class NEBUtHRTimerTest : public testing::Test
+struct Case
 {
-protected:
-    NEBUtHRTimerTest() { s_machine = Machine(); }
-    ~NEBUtHRTimerTest() override { NEBUtHRTimer::terminate(); }
-
-    std::vector<std::string> callsOfStart()
-    {
-        s_machine.m_calls.clear();
-        m_timer.start();
-        return s_machine.m_calls;
-    }
-
-    NEBUtHRTimer m_timer;
+    Machine m_machine;
+    DWORD_PTR m_pinned, m_restored;
+    std::uint64_t m_ticks, m_nanoseconds;
 };
 
-using Calls = std::vector<std::string>;
-Calls const s_unpinned = {"mask 0", "read", "mask 0"};
+Case const s_cases[] = {
+    {{~DWORD_PTR{0}, 1, 10000000}, 1, 0xF0, 0, 0},
+    {{0xC, 1, 10000000}, 4, 0xF0, 18446744073, 1844674407300},
+    {{0xC, 1, 10000000}, 4, 0xF0, 18446744074, 1844674407400},
+    {{DWORD_PTR{1} << 40, 1, 7}, DWORD_PTR{1} << 40, 0xF0, 129127208514, 18446744073428571428u},
+    {{0xC, 1, 3}, 4, 0xF0, 2, 666666666},
+    {{0xC, 1, 0}, 4, 0xF0, 5, 0},
+    {{0xC, 0, 10000000}, 0, 0, 5, 0},
+    {{0, 1, 10000000}, 0, 0, 5, 0},
+};
 
-TEST_F(NEBUtHRTimerTest, ReadsOnTheLowestProcessorAndGivesTheThreadItsOwnBack)
+TEST(NEBUtHRTimer, PinsReadsRestoresAndCountsExactly)
 {
-    for (int const bit : {0, 2, 40, 63})
+    for (Case const& c : s_cases)
     {
-        s_machine.m_processMask = ~DWORD_PTR{0} << bit;
+        NEBUtHRTimer timer;
+        s_machine = c.m_machine;
         NEBUtHRTimer::initialize();
-        EXPECT_EQ((Calls{"mask " + std::to_string(DWORD_PTR{1} << bit), "read", "mask 240"}), callsOfStart());
+        s_machine.m_masks.clear();
+        timer.start();
+        s_machine.m_ticks = static_cast<std::int64_t>(c.m_ticks);
+        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(true)) << c.m_ticks;
+        timer.stop();
+        s_machine.m_ticks = 0;  // not read any more
+        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(false)) << c.m_ticks;
+        NEBUtHRTimer::terminate();
+        EXPECT_EQ(0u, timer.getElapsed(true));
+        DWORD_PTR const p = c.m_pinned, r = c.m_restored;
+        EXPECT_EQ((Numbers{p, 7, r, p, 7, r, p, 7, r, 0, 7, 0}), s_machine.m_masks);
     }
 }
 
-TEST_F(NEBUtHRTimerTest, GivesNothingUntilItCanMeasure)
+TEST(NEBUtHRTimer, StartsFromScratchAfterAFailedInitialize)
 {
-    struct Case
-    {
-        bool m_hasMask;
-        DWORD_PTR m_processMask;
-        bool m_hasFrequency;
-        Calls m_calls;
-    };
-    for (Case const& c : {Case{false, 0xC, true, s_unpinned}, Case{true, 0, true, s_unpinned},
-                          Case{true, 0xC, false, {"mask 4", "read", "mask 240"}}})
-    {
-        s_machine = Machine();
-        NEBUtHRTimer::initialize();  // the failing call after it starts from scratch
-        s_machine.m_hasMask = c.m_hasMask;
-        s_machine.m_processMask = c.m_processMask;
-        s_machine.m_hasFrequency = c.m_hasFrequency;
-        NEBUtHRTimer::initialize();
-        EXPECT_EQ(c.m_calls, callsOfStart());
-        s_machine.m_ticks = 500;
-        EXPECT_EQ(0u, m_timer.getElapsed(true));
-    }
-    s_machine = Machine();
+    NEBUtHRTimer timer;
+    s_machine = Machine{0xC, 1, 1000};
     NEBUtHRTimer::initialize();
-    NEBUtHRTimer::terminate();
-    EXPECT_EQ(s_unpinned, callsOfStart());
-    EXPECT_EQ(0u, m_timer.getElapsed(true));
-}
-
-TEST_F(NEBUtHRTimerTest, TurnsTicksIntoNanosecondsOnBothSidesOfTheOverflow)
-{
-    struct Case
-    {
-        std::uint64_t m_frequency, m_ticks, m_nanoseconds;
-    };
-    for (Case const& c :
-         {Case{10000000, 0, 0}, Case{10000000, 1, 100}, Case{3, 2, 666666666},
-          Case{10000000, 18446744073, 1844674407300}, Case{10000000, 18446744074, 1844674407400},
-          Case{18446744073, 18446744073, 1000000000}, Case{7, 129127208514, 18446744073428571428u},
-          Case{1000000000, UINT64_MAX, UINT64_MAX}})
-    {
-        s_machine.m_frequency = c.m_frequency;
-        s_machine.m_ticks = 0;
-        NEBUtHRTimer::initialize();
-        m_timer.start();
-        s_machine.m_ticks = c.m_ticks;
-        EXPECT_EQ(c.m_nanoseconds, m_timer.getElapsed(true)) << c.m_ticks << " at " << c.m_frequency;
-    }
-}
-
-TEST_F(NEBUtHRTimerTest, KeepsItsStartAndMovesItsEndWithEachReading)
-{
+    EXPECT_EQ(0u, timer.getElapsed(false));  // never started
+    s_machine = Machine{0xC, 0, 1000, 5};
     NEBUtHRTimer::initialize();
-    EXPECT_EQ(0u, m_timer.getElapsed(false));
-    s_machine.m_ticks = 10;
-    m_timer.start();
-    s_machine.m_ticks = 13;
-    m_timer.stop();
-    s_machine.m_ticks = 20;
-    EXPECT_EQ(300u, m_timer.getElapsed(false));
-    EXPECT_EQ(1000u, m_timer.getElapsed(true));
-    EXPECT_EQ(1000u, m_timer.getElapsed(false));
-    m_timer.start();
-    EXPECT_EQ(0u, m_timer.getElapsed(true));
+    EXPECT_EQ(0u, timer.getElapsed(true));
+    EXPECT_EQ((Numbers{0, 7, 0}), s_machine.m_masks);
 }
 }  // namespace

@@ -1,62 +1,117 @@
-// What the zip tests share: files, whole trees, archives made in code, and failures as values.
+// What the zip tests share: whole trees, archives made in code, and failures as text.
 
 #ifndef ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 #define ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 
 #include <cstdlib>
-#include <functional>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
 
-#include <time.h>
-
+#include "NEBCore/NEBThrowable.h"
+#include "support/TemporaryFolder.h"
+#include "zip/ARXZipFile.h"
 #include "zip/ARXZipInputStreamI.h"
 
 // Path and contents; a folder's path ends in "/".
 using Tree = std::map<std::string, std::string>;
+using Names = std::vector<std::string>;
 
-// Nothing for a folder.
-std::string readAll(std::string const& path);
-void writeAll(std::string const& path, std::string const& bytes);
-Tree readTree(std::string const& folder);
-void writeTree(std::string const& folder, Tree const& tree);
-// That many bytes that no method can shrink.
-std::string noise(std::size_t size);
-// Runs a shell command quietly in a folder; its exit status.
-int run(std::string const& folder, std::string const& command);
-
-// Stored entries without a date, each holding its own name.
-void makeArchive(std::string const& path, std::vector<std::string> const& names);
-// Replaces the first match behind the archive's first central header.
-void patchDirectory(std::string const& archive, std::size_t offset, std::string const& bytes);
-
-// Name and contents of every entry; nothing for an entry that does not open.
-Tree readStream(ARXZipInputStreamI& stream);
-
-struct Failure
+inline std::string readAll(std::string const& path)
 {
-    std::string m_name;       // of the exception; empty if there was none
-    std::string m_text;       // its messages
-    std::string m_operation;  // text of the first place in the back trace
-    std::size_t m_places;     // length of the back trace
-};
-Failure failureOf(std::function<void()> const& call);
+    std::ifstream file(path, std::ios::binary);
+    bool const isFile = std::filesystem::is_regular_file(path);
+    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
+}
 
-class TimeZone
+inline Tree readTree(std::string const& folder)
 {
-public:
-    explicit TimeZone(char const* name) { set(name); }
-    ~TimeZone() { set("UTC0"); }
-    TimeZone(TimeZone const&) = delete;
-    TimeZone& operator=(TimeZone const&) = delete;
+    Tree tree;
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder))
+        tree[entry.path().lexically_relative(folder).string() + (entry.is_directory() ? "/" : "")] =
+            readAll(entry.path());
+    return tree;
+}
 
-private:
-    static void set(char const* name)
+inline void writeTree(std::string const& folder, Tree const& tree)
+{
+    for (auto const& [name, bytes] : tree)
     {
-        setenv("TZ", name, 1);
-        tzset();
+        std::filesystem::create_directories(std::filesystem::path(folder + "/" + name).parent_path());
+        if (name.back() != '/')
+            std::ofstream(folder + "/" + name, std::ios::binary) << bytes;
     }
-};
+}
+
+// Runs a shell command quietly in a folder.
+inline bool run(std::string const& folder, std::string const& command)
+{
+    return std::system(("cd '" + folder + "' && (" + command + ") </dev/null >/dev/null 2>&1").c_str()) == 0;
+}
+
+inline void write(ARXZipFile& archive, std::string bytes)
+{
+    archive.writeInFileInZip(reinterpret_cast<unsigned char*>(bytes.data()),
+                             static_cast<unsigned>(bytes.size()));
+}
+
+// Stored entries without a date, each holding its own name. patch replaces bytes of the first entry's record
+// in the directory.
+inline void makeArchive(std::string const& path, Names const& names,
+                        std::map<std::size_t, std::string> const& patches = {},
+                        I18NString const* comment = nullptr)
+{
+    ARXZipFile archive;
+    archive.create(path.c_str());
+    for (std::string const& name : names)
+    {
+        archive.openNewFileInZip(name.c_str(), nullptr, comment, ARXZipFile::compressStored, 0);
+        write(archive, name);
+    }
+    archive.close();
+    std::string bytes = readAll(path);
+    for (auto const& [offset, patch] : patches)
+        bytes.replace(bytes.find("PK\1\2") + offset, patch.size(), patch);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+// Name and contents of every entry that opens; of entries with one name the last counts.
+inline Tree readStream(ARXZipInputStreamI&& stream)
+{
+    Tree tree;
+    std::string name;
+    for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
+    {
+        if (!stream.getCurrentEntryName(name) || !stream.openCurrentEntry())
+            continue;
+        std::string& bytes = tree[name] = {};
+        char buffer[1000];
+        for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
+            bytes.append(buffer, count);
+    }
+    return tree;
+}
+
+// The messages, the class unless it is an assertion, the operation, and how many places the error passed.
+template <class Call>
+std::string failureOf(Call const& call)
+{
+    try
+    {
+        call();
+    }
+    catch (NEBThrowable& error)
+    {
+        std::string const name = error.getThrowableName();
+        auto const places = error.getBackTrace();
+        char const* const operation = places.at(0)->getText();
+        return (name == "NEBAssertError" ? "" : name + ": ") + error.getMessage() +
+               (operation ? std::string(" @") + operation : "") + " x" + std::to_string(places.size());
+    }
+    return "none";
+}
 
 #endif
