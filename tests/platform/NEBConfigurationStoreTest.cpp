@@ -5,27 +5,11 @@
 #include <gtest/gtest.h>
 
 #include "NEBCFGAPI/NEBConfigurationFactory.h"
-#include "NEBCore/NEBException.h"
+#include "support/Raised.h"
 #include "support/TemporaryFolder.h"
 
 namespace
 {
-// The message of the refusal; empty if the file is taken.
-std::string load(std::string const& path, char const* contents = nullptr)
-{
-    if (contents)
-        std::ofstream(path) << contents;
-    try
-    {
-        NEBConfigurationStore::getStore().load(path);
-        return "";
-    }
-    catch (NEBException const& error)
-    {
-        return error.getMessage();
-    }
-}
-
 std::string valueOf(char const* key)
 {
     return NEBConfigurationFactory::getInstance().getConfigurationValue(key, nullptr).c_str();
@@ -35,19 +19,25 @@ TEST(NEBConfigurationStoreLoad, TrimsKeepsEarlierSettingsAndTakesNothingOfARefus
 {
     TemporaryFolder const folder;
     std::string const path = folder / "settings";
-    NEBConfigurationStore::getStore().setValue("kept", "1");
-    NEBConfigurationStore::getStore().setValue("changed", "1");
-    EXPECT_EQ("", load(path, "# note\r\n\n  changed \t=  a = b \r\nempty=\n\xC3\xA4=\xE2\x82\xAC"));
-    EXPECT_EQ(path + ":3: no \"key=value\"", load(path, "kept=2\n\nnonsense\n"));
-    EXPECT_EQ(path + ":2: no \"key=value\"", load(path, "kept=2\n = 2\n"));
-    EXPECT_EQ(path + ":3: \"kept\" is set twice", load(path, "kept=2\n#\nkept = 3\n"));
-    EXPECT_EQ(folder / "missing: can't be opened", load(folder / "missing"));
-    EXPECT_EQ(folder.path() + ": can't be read", load(folder.path()));
-    EXPECT_EQ("1", valueOf("kept"));
-    EXPECT_EQ("a = b", valueOf("changed"));
-    EXPECT_EQ("", valueOf("empty"));
-    EXPECT_EQ("\xE2\x82\xAC", valueOf("\xC3\xA4"));
-    NEBConfigurationStore::getStore().clear();
+    NEBConfigurationStore& store = NEBConfigurationStore::getStore();
+    store.setValue("kept", "1");
+    store.setValue("changed", "1");
+    std::ofstream(path) << "# note\r\n\n  changed \t=  a = b \r\nempty=\n\xC3\xA4=\xE2\x82\xAC";
+    store.load(path);
+    auto const refusal = [&store](std::string const& name, char const* contents = nullptr)
+    {
+        if (contents)
+            std::ofstream(name) << contents;
+        return raisedBy([&] { store.load(name); }).at(0);
+    };
+    EXPECT_EQ("NEBException: " + path + ":3: no \"key=value\"", refusal(path, "kept=2\n\nnonsense\n"));
+    EXPECT_EQ("NEBException: " + path + ":2: no \"key=value\"", refusal(path, "kept=2\n = 2\n"));
+    EXPECT_EQ("NEBException: " + path + ":3: \"kept\" is set twice", refusal(path, "kept=2\n#\nkept = 3\n"));
+    EXPECT_EQ("NEBException: " + folder / "missing" + ": can't be opened", refusal(folder / "missing"));
+    EXPECT_EQ("NEBException: " + folder.path() + ": can't be read", refusal(folder.path()));
+    EXPECT_EQ("1|a = b||\xE2\x82\xAC", valueOf("kept") + '|' + valueOf("changed") + '|' + valueOf("empty") +
+                                           '|' + valueOf("\xC3\xA4"));
+    store.clear();
     EXPECT_EQ("", valueOf("kept"));
 }
 }  // namespace

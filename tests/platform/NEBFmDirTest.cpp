@@ -2,49 +2,31 @@
 
 #include <fstream>
 #include <thread>
-#include <tuple>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "NEBCore/I18NString.h"
 #include "support/TemporaryFolder.h"
+#include "support/Words.h"
 
 namespace
 {
 int constexpr s_file = 0x8000;
 int constexpr s_directory = 0x4000;
 
-std::tuple<char const*, char const*, char const*> const s_splitCases[] = {
-    {"", "", ""},    {"x", "", "x"},     {"/", "/", ""},         {"/x", "/", "x"},        {"\\x", "\\", "x"},
-    {"a/", "a", ""}, {"a\\b", "a", "b"}, {"a/b\\c", "a/b", "c"}, {"a\\b/c", "a\\b", "c"}, {"a//b", "a/", "b"},
-    {"//", "/", ""}, {"C:x", "", "C:x"}};
+// Path, directory, file.
+char const s_splitCases[] =
+    "- - -, x - x, / / -, /x / x, \\x \\ x, a/ a -, a\\b a b, a/b\\c a/b c, "
+    "a\\b/c a\\b c, a//b a/ b, // / -, C:x - C:x";
 
 TEST(NEBFmDir, SplitsBehindTheLastSeparatorAlsoInPlace)
 {
-    for (auto const& [path, expectedDirectory, expectedFile] : s_splitCases)
+    for (Words const& row : table(s_splitCases))
     {
-        std::string directory = path, file = path;
+        std::string directory = row[0], file = row[0];
         NEBFmDir::splitPath(directory, &directory, nullptr);
         NEBFmDir::splitPath(file, nullptr, &file);
-        EXPECT_EQ(expectedDirectory, directory) << path;
-        EXPECT_EQ(expectedFile, file) << path;
-    }
-}
-
-TEST(NEBFmDir, JoinsByTheSeparatorThatIsMissing)
-{
-    std::tuple<char const*, char const*, char const*> const rows[] = {
-        {"", "x", "x"},       {"", "", ""},        {"a", "x", "a/x"}, {"a/", "x", "a/x"},
-        {"a\\", "x", "a\\x"}, {"a", "/x", "a//x"}, {"a", "", "a/"}};
-    for (auto const& [base, name, joined] : rows)
-    {
-        std::string text = base;
-        NEBFmDir::joinPath(text, name);
-        EXPECT_EQ(joined, text);
-        I18NString wide(base);
-        NEBFmDir::joinPath(wide, I18NString(name));
-        EXPECT_STREQ(joined, wide.c_str());
+        EXPECT_EQ(row, (Words{row[0], directory, file}));
     }
 }
 
@@ -55,15 +37,13 @@ TEST(NEBFmDir, KnowsExactlyTheTypeAskedFor)
     std::ofstream(folder / "a\\b");
     ASSERT_EQ(0, mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0));
     std::filesystem::create_symlink("file", folder / "link");
-    std::tuple<char const*, int, int> const rows[] = {
-        {"file", 1, 0}, {"a\\b", 1, 0},    {"link", 1, 0}, {"socket", 0, 0}, {".", 0, 1},
-        {"..", 0, 1},   {"missing", 0, 0}, {"a", 0, 0},    {"a/b", 0, 0},    {"file/x", 0, 0}};
-    for (auto const& [name, isFile, isDirectory] : rows)
-    {
-        EXPECT_EQ(isFile, NEBFmDir::exists((folder / name).c_str(), s_file)) << name;
-        EXPECT_EQ(isDirectory, NEBFmDir::exists((folder / name).c_str(), s_directory)) << name;
-    }
-    EXPECT_EQ(1, NEBFmDir::exists((folder.path() + "\\file").c_str(), s_file));
+    auto const rows = table("file a\\b link .\\file, . .., socket missing a a/b file/x");
+    for (std::size_t row = 0; row < 3; ++row)
+        for (std::string const& name : rows.at(row))
+        {
+            EXPECT_EQ(row == 0, NEBFmDir::exists((folder / name).c_str(), s_file)) << name;
+            EXPECT_EQ(row == 1, NEBFmDir::exists((folder / name).c_str(), s_directory)) << name;
+        }
     EXPECT_EQ(0, NEBFmDir::exists(nullptr, s_file));
 }
 
@@ -72,21 +52,13 @@ TEST(NEBFmDir, MakesDirectoriesThroughBothSeparators)
     TemporaryFolder const folder;
     CurrentFolder const current(folder.path());
     std::ofstream("file");
-    std::string const deep(5000, '/');
-    std::tuple<std::string, int, char const*> const rows[] = {{"", 1, "."},
-                                                              {"a", 1, "a"},
-                                                              {"a", 1, "a"},
-                                                              {"b\\c//d\\", 1, "b/c/d"},
-                                                              {"e/../f/./g", 1, "f/g"},
-                                                              {"file", 0, "."},
-                                                              {"file/x", 0, "."},
-                                                              {"/proc/x/y", 0, "."},
-                                                              {folder / "h\\i", 1, "h/i"},
-                                                              {deep + std::string(300, 'x'), 0, "."}};
-    for (auto const& [path, isMade, made] : rows)
+    auto rows = table("- ., a a, a a, b\\c//d\\ b/c/d, e/../f/./g f/g, file, file/x, /proc/x/y");
+    rows.push_back({folder / "h\\i", "h/i"});
+    rows.push_back({std::string(5000, '/') + std::string(300, 'x')});
+    for (Words const& row : rows)
     {
-        EXPECT_EQ(isMade, NEBFmDir::createRecursiveDir(path)) << path;
-        EXPECT_EQ(1, NEBFmDir::exists(made, s_directory)) << made;
+        EXPECT_EQ(row.size() == 2, NEBFmDir::createRecursiveDir(row[0])) << row[0];
+        EXPECT_EQ(1, NEBFmDir::exists(row.size() == 2 ? row[1].c_str() : ".", s_directory)) << row[0];
     }
 }
 
@@ -95,12 +67,11 @@ TEST(NEBFmDir, LetsTwoMakersOfADirectoryBothSucceed)
     TemporaryFolder const folder;
     for (int round = 0; round < 50; ++round)
     {
-        std::string const path = folder / std::to_string(round) + "/a/b/c/d";
-        int other = 0;
-        std::thread thread([&] { other = NEBFmDir::createRecursiveDir(path); });
-        EXPECT_EQ(1, NEBFmDir::createRecursiveDir(path));
-        thread.join();
-        EXPECT_EQ(1, other);
+        auto const make = [&]
+        { EXPECT_EQ(1, NEBFmDir::createRecursiveDir(folder / std::to_string(round) + "/a/b/c")); };
+        std::thread other(make);
+        make();
+        other.join();
     }
 }
 
@@ -111,17 +82,14 @@ TEST(NEBFmDir, ListsFilesAndRealDirectoriesSortedByByte)
         std::ofstream(folder / name);
     for (char const* name : {"z", "D", ".hidden"})
         std::filesystem::create_directory(folder / name);
-    for (char const* target : {"a", "z", "nowhere", "b/x"})
+    for (char const* target : {"a", "z", "nowhere", "b/x", "link-l"})
         std::filesystem::create_symlink(target, folder / (std::string("link-") + target[0]));
-    std::filesystem::create_symlink("b", folder / "link");
-    std::filesystem::create_symlink("loop", folder / "loop");
     ASSERT_EQ(0, mkfifo((folder / "pipe").c_str(), 0600));
     ASSERT_EQ(0, mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0));
 
-    std::vector<std::string> files{"old"}, dirs{"old"};
+    Words files{"old"}, dirs{"old"};
     EXPECT_EQ(1, NEBFmDir::readDir(folder.path().c_str(), &files, nullptr, &dirs, nullptr));
-    EXPECT_EQ((std::vector<std::string>{"B", "a", "a\\b", "b", "link", "link-a", "\xC3\xA4"}), files);
-    EXPECT_EQ((std::vector<std::string>{".hidden", "D", "z"}), dirs);
+    EXPECT_EQ(table("B a a\\b b link-a \xC3\xA4, .hidden D z"), (std::vector<Words>{files, dirs}));
     EXPECT_EQ(1, NEBFmDir::readDir(folder.path().c_str(), nullptr, nullptr, nullptr, nullptr));
     for (char const* name : {static_cast<char const*>(nullptr), "", "/nowhere", "/dev/null"})
     {
@@ -131,40 +99,31 @@ TEST(NEBFmDir, ListsFilesAndRealDirectoriesSortedByByte)
     }
 }
 
+// Paths, and what they are below the current directory.
+char const s_effectiveCases[] =
+    ". -, x.zip /x.zip, link/x /a/b/x, link\\x /a/b/x, link/../y/ /a/y, "
+    "no/./z/../y/ /no/y, a//b/ /a/b, loop/x/../y /loop/x/../y";
+
 TEST(NEBFmDir, ResolvesPathsThatExistOnlyInPart)
 {
     TemporaryFolder const folder;
     CurrentFolder const current(folder.path());
-    NEBFmDir::createRecursiveDir("a/b");
+    std::filesystem::create_directories("a/b");
     std::filesystem::create_symlink("a/b", "link");
     std::filesystem::create_symlink("loop", "loop");
-    std::string const here = folder.path();
-    std::pair<char const*, std::string> const rows[] = {{"", ""},
-                                                        {"//", "/"},
-                                                        {".", here},
-                                                        {"x.zip", here + "/x.zip"},
-                                                        {"link/x", here + "/a/b/x"},
-                                                        {"link\\x", here + "/a/b/x"},
-                                                        {"link/../y/", here + "/a/y"},
-                                                        {"no/./z/../y/", here + "/no/y"},
-                                                        {"a//b/", here + "/a/b"},
-                                                        {"loop/x/../y", here + "/loop/x/../y"}};
-    for (auto const& [before, after] : rows)
+    auto rows = table(s_effectiveCases);
+    for (Words& row : rows)
+        row[1].insert(0, folder.path());
+    rows.insert(rows.end(), {{"", ""}, {"//", "/"}});
+    for (Words const& row : rows)
     {
-        std::string path = before;
+        std::string path = row[0];
         NEBFmDir::resolveEffectivePath(path);
-        EXPECT_EQ(after, path) << before;
+        EXPECT_EQ(row, (Words{row[0], path}));
     }
-}
-
-TEST(NEBFmDir, NeverMovesANameToTheRootForLackOfACurrentDirectory)
-{
-    TemporaryFolder const folder;
-    std::filesystem::create_directory(folder / "gone");
-    CurrentFolder const current(folder / "gone");
-    std::filesystem::remove(folder / "gone");
+    std::filesystem::remove_all(folder.path());
     std::string path = "x.zip";
     NEBFmDir::resolveEffectivePath(path);
-    EXPECT_EQ("./x.zip", path);
+    EXPECT_EQ("./x.zip", path) << "without a current directory";
 }
 }  // namespace

@@ -1,10 +1,12 @@
-// A fresh folder for one test, removed with all that it holds.
+// A fresh folder for one test, removed with all that it holds, and a look at the files in it.
 
 #ifndef ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
 #define ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -52,5 +54,13 @@ public:
 private:
     std::filesystem::path m_before;
 };
+
+// Empty for what is no regular file.
+inline std::string readAll(std::string const& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    bool const isFile = std::filesystem::is_regular_file(path);
+    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
+}
 
 #endif

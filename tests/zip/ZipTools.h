@@ -20,13 +20,6 @@
 using Tree = std::map<std::string, std::string>;
 using Names = std::vector<std::string>;
 
-inline std::string readAll(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    bool const isFile = std::filesystem::is_regular_file(path);
-    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
-}
-
 inline Tree readTree(std::string const& folder)
 {
     Tree tree;
