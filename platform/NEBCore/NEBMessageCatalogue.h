@@ -13,8 +13,7 @@
 class NEBCORE_API NEBMessageCatalogue
 {
 public:
-    // Gives the UTF-8 text with the places {0} and {1}, or null for an unknown number. The text must stay
-    // valid.
+    // Gives the UTF-8 text with the places {0} and {1}, which must stay valid, or null for no such number.
     using Lookup = char const* (*)(std::uint32_t id);
 
     // Names a catalogue. It is linked into the list of all, so that installing it needs no memory and can't
