@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleI.h"
@@ -87,17 +88,25 @@ Lines useEverything()
 
 std::pair<char const*, int> const s_functions[] = {  // with the least number of calls that a run makes
     {"KRY_CryptoInitialize", 1}, {"KRY_PersistentInitialize", 6},
-    {"KRY_SetInfo", 7},          {"KRY_GetInfo", 2},
+    {"KRY_SetInfo", 6},          {"KRY_GetInfo", 2},
     {"KRY_ProtectData", 6},      {"KRY_UnprotectData", 2},
     {"KRY_CryptoFree", 6},       {"KRY_CloseHandle", 6},
     {"KRY_CryptoTerminate", 1},  {"KRY_CryptoGetLastErrorDetails", 1}};
+
+std::vector<Fault> faultsOf(std::string const& function)
+{
+    std::vector<Fault> faults{Fault::Details, Fault::Status, Fault::Exception};
+    if (function == "KRY_PersistentInitialize")
+        faults.push_back(Fault::NullSession);
+    return faults;
+}
 }  // namespace
 
 TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnythingOrLeavesALockBehind)
 {
     int points = 0;
     for (auto const& [function, calls] : s_functions)
-        for (Fault const fault : {Fault::Details, Fault::Status, Fault::NullSession, Fault::Exception})
+        for (Fault const fault : faultsOf(function))
             for (int call = 1;; ++call)
             {
                 SCOPED_TRACE(std::string(function) + " " + std::to_string(call));
@@ -121,5 +130,5 @@ TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnythingOrLeavesALockBehind)
                 ++points;
             }
     std::printf("%d points\n", points);
-    EXPECT_LE(140, points);
+    EXPECT_LE(110, points);
 }
