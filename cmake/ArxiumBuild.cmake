@@ -1,7 +1,5 @@
 # What every target built here has in common. All of it is private to the targets: nothing reaches a parent project.
 
-include(CheckLinkerFlag)
-
 function(arxium_configure target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES
@@ -13,8 +11,16 @@ function(arxium_configure target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
         $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
+        # A library's calls of its own functions can be inlined: nobody replaces them one by one.
+        -fno-semantic-interposition
         # Back traces name sources relative to the root, the same on every machine.
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
+    # The project's own libraries bring headers of the names that our stand-ins have too.
+    get_property(own GLOBAL PROPERTY ARXIUM_OWN_LIBRARIES)
+    foreach(library IN LISTS own)
+        target_include_directories(${target} BEFORE PRIVATE
+            $<TARGET_PROPERTY:${library},INTERFACE_INCLUDE_DIRECTORIES>)
+    endforeach()
     if(ARXIUM_SANITIZE)
         target_compile_options(${target} PRIVATE -fsanitize=${ARXIUM_SANITIZE} -fno-omit-frame-pointer
                                -fno-sanitize-recover=all)
@@ -22,13 +28,31 @@ function(arxium_configure target)
     endif()
 endfunction()
 
+# What our shared libraries have in common beyond that. Wherever they are installed, they find each other, and
+# the project's own libraries where those were at build time.
+function(arxium_configure_shared target)
+    set_target_properties(${target} PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        BUILD_RPATH_USE_ORIGIN ON
+        INSTALL_RPATH "$ORIGIN"
+        INSTALL_RPATH_USE_LINK_PATH ON
+        VERIFY_INTERFACE_HEADER_SETS ON)
+    # Sanitizers leave symbols to their runtime; every other build refuses missing ones.
+    if(NOT ARXIUM_SANITIZE)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
+endfunction()
+
 # A stand-in for a library that is not on this machine. A project that defines a target of that name first keeps its own.
+# HEADERS are those that hosts need; they are installed.
 function(arxium_add_platform_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
     add_library(${name} SHARED ${arg_SOURCES})
+    add_library(ArxiumCommon::${name} ALIAS ${name})
     arxium_configure(${name})
-    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    arxium_configure_shared(${name})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform>)
+    target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/platform" FILES ${arg_HEADERS})
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
-    target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${ARXIUM_SANITIZE}>>:-Wl,--no-undefined>)
 endfunction()

@@ -51,6 +51,7 @@ bool ARXFmDir::isEquivalentPath(char const* path1, char const* path2)
 {
     NEB_ASSERT(path1 && path2);
     std::uint64_t const offset = findDifferentiatingPathOffset(path1, path2);
+    // Equal only where both end: the walk steps over whatever else is.
     return path1[offset] == path2[offset];
 }
 
@@ -58,6 +59,8 @@ std::uint64_t ARXFmDir::findDifferentiatingPathOffset(char const* path1, char co
 {
     NEB_ASSERT(path1 && path2);
     std::uint64_t offset = 0;
+    // Two terminators are equivalent too, so the end needs a test of its own; path2's end differs from any
+    // byte.
     while (path1[offset] != '\0' && isEquivalentPathChar(path1[offset], path2[offset]))
         ++offset;
     return offset;
@@ -143,6 +146,8 @@ void ARXFmDir::splitPathIntoParts(std::string const& path, ARXFmDirPathParts& pa
         parts.m_drive = {static_cast<char>(std::tolower(toByte(path[0]))), ':'};
         rest.remove_prefix(s_drivePrefixSize);
     }
+    // From the right, on views of path: copying the rest for each element would cost the square of the
+    // length.
     while (!rest.empty())
     {
         std::string_view head;
@@ -150,7 +155,7 @@ void ARXFmDir::splitPathIntoParts(std::string const& path, ARXFmDirPathParts& pa
         mySplitPath(rest, head, tail);
         if (!tail.empty())
             parts.m_parts.emplace_front(tail);
-        bool const isRoot = rest == head;
+        bool const isRoot = rest == head;  // only a lone separator is its own head
         if (isRoot)
             parts.m_parts.emplace_front(head);
         rest = isRoot ? std::string_view() : head;

@@ -1,9 +1,9 @@
 // One grammar of paths as text, the same on every platform.
 //
 // A path is a row of bytes in no particular encoding. / and \ are both separators and equivalent; case
-// counts. A letter (of the C locale's 52) and ":" in front are a drive prefix, and a path is absolute if a
-// separator stands first or right behind that prefix: "C:x" is relative, "//s/x" is absolute and nothing
-// more. Only isFile looks at the disk and only the getAbsolutePath without a pwd at the current directory.
+// counts. A letter, by isalpha, and ":" in front are a drive prefix, and a path is absolute if a separator
+// stands first or right behind that prefix: "C:x" is relative, "//s/x" is absolute and nothing more. Only
+// isFile looks at the disk and only the getAbsolutePath without a pwd at the current directory.
 //
 // Misuse raises NEBAssertError before any out string is touched. There is no state: any number of threads may
 // call. An out string may be the storage of an argument.

@@ -45,22 +45,19 @@ Forms constexpr s_formsTabLiteral = makeForms(true);
 
 std::ptrdiff_t constexpr s_stepSize = 8;
 
-// Copies eight bytes and answers how many at their start are literal in every setting. Each test below marks
-// the high bit of a byte; a carry can spoil only the bytes behind a marked one.
-std::ptrdiff_t copyLiterals(char* target, char const* data)
+// Copies eight bytes and marks, by the high bit of its place, the first that is not literal in every setting;
+// 0 for none. Marks above that one mean nothing, since a carry may have spoilt them.
+std::uint64_t copyLiterals(char* target, char const* data)
 {
     std::uint64_t constexpr ones = 0x0101010101010101;
-    std::uint64_t constexpr highBits = 0x80 * ones;
     std::uint64_t bytes;
     std::memcpy(&bytes, data, s_stepSize);
     std::memcpy(target, &bytes, s_stepSize);
     bytes = le64toh(bytes);
-    std::uint64_t const notEqualSigns = bytes ^ ('=' * ones);
     std::uint64_t const belowBlank = bytes - 0x20 * ones;
-    std::uint64_t const equalSign = (notEqualSigns - ones) & ~notEqualSigns;
+    std::uint64_t const equalSign = (bytes ^ ('=' * ones)) - ones;
     std::uint64_t const aboveTilde = bytes | (bytes + ones);
-    std::uint64_t const marks = (belowBlank | equalSign | aboveTilde) & highBits;
-    return marks == 0 ? s_stepSize : __builtin_ctzll(marks) / 8;
+    return (belowBlank | equalSign | aboveTilde) & (0x80 * ones);
 }
 
 bool isBlank(char byte)
@@ -144,12 +141,14 @@ char const* ARXOJDQuotedPrintableOutputStream::inject(char const* data, char con
 {
     Forms const& forms = m_encodeOnlyTraillingTab ? s_formsTabLiteral : s_formsTabEncoded;
     std::ptrdiff_t count = m_count;
-    std::ptrdiff_t copied = s_stepSize;
-    while (copied == s_stepSize && count + s_stepSize <= s_lineLimit && end - data >= s_stepSize)
+    while (count + s_stepSize <= s_lineLimit && end - data >= s_stepSize)
     {
-        copied = copyLiterals(m_buffer + count, data);
+        std::uint64_t const marks = copyLiterals(m_buffer + count, data);
+        std::ptrdiff_t const copied = marks == 0 ? s_stepSize : __builtin_ctzll(marks) / 8;
         count += copied;
         data += copied;
+        if (marks != 0)
+            break;
     }
     // Always four bytes, of which m_size count: a branch on literal or encoded costs most of the time.
     for (; data != end; ++data)

@@ -31,7 +31,11 @@ public:
     ARNEBI18NBuffer(I18NString const& text);
     ARNEBI18NBuffer(unsigned short const* text);
     ARNEBI18NBuffer(unsigned short const& unit);
-    virtual ~ARNEBI18NBuffer();
+    virtual ~ARNEBI18NBuffer()
+    {
+        if (hasBlock())
+            delete[] m_buffer;
+    }
 
     // Keeps the storage where the new content fits it.
     ARNEBI18NBuffer& operator=(ARNEBI18NBuffer const& other);
@@ -94,10 +98,11 @@ protected:
     void createBuffer(std::uint64_t bytes);
 
 private:
-    bool hasBlock() const;
+    bool hasBlock() const { return m_buffer && m_buffer != static_cast<void const*>(m_inlineBuffer); }
     bool comparesWith(ARNEBI18NBuffer const& other) const;
-    void assign(void const* source, std::uint64_t size);
-    void append(void const* source, std::uint64_t size);
+    ARNEBI18NBuffer& assign(void const* source, std::uint64_t size);
+    ARNEBI18NBuffer& append(void const* source, std::uint64_t size);
+    [[gnu::noinline]] ARNEBI18NBuffer& appendElsewhere(void const* source, std::uint64_t size);
 
     unsigned short m_inlineBuffer[16];  // starts with 0 when the buffer is empty
     unsigned char* m_buffer;            // null, m_inlineBuffer or a block of our own

@@ -15,6 +15,7 @@ namespace
 {
 int constexpr s_createForWriting = 2;
 std::size_t constexpr s_copyBufferSize = 2048;
+std::uint32_t constexpr s_dosFolder = 0x10;
 char constexpr s_separators[] = "/\\";
 
 // Whether the elements of name, followed one by one, ever climb above the place where they start.
@@ -34,10 +35,14 @@ bool leadsOutside(std::string const& name)
     return depth < 0;
 }
 
-bool endsInSeparator(char const* name)
+// By its name; an entry made on DOS may say it by its attribute alone (APPNOTE.TXT, 4.4.2 and 4.4.15).
+bool marksFolder(ARXUnzipFile::UZ_FileInfo const& info)
 {
-    std::size_t const length = std::strlen(name);
-    return length != 0 && ARXFmDir::isPathSeparator(name[length - 1]);
+    std::size_t const length = std::strlen(info.szFileName);
+    if (length != 0 && ARXFmDir::isPathSeparator(info.szFileName[length - 1]))
+        return true;
+    bool const isFromDos = info.version >> 8 == 0;
+    return isFromDos && (info.externalAttributes & s_dosFolder) != 0 && info.uncompressedSize == 0;
 }
 
 // Copies the open entry to file; true at its clean end.
@@ -131,7 +136,7 @@ bool ARXUnzipFile::getFileInfo(UZ_FileInfo& info)
         return false;
     }
     copyEntryNumbers(local, info);
-    info.isFolder = endsInSeparator(info.szFileName);
+    info.isFolder = marksFolder(info);
     return true;
 }
 

@@ -36,7 +36,7 @@ public:
         std::uint32_t uncompressedSize;  // the same
         std::uint32_t internalAttributes;
         std::uint32_t externalAttributes;
-        bool isFolder;  // the stored name ends in a separator
+        bool isFolder;  // the name ends in a separator, or DOS marked the entry so
     };
 
     // As openZip; an archive that can't be opened leaves the object closed.
@@ -51,16 +51,17 @@ public:
     // True also with nothing open.
     bool closeZip();
 
-    // 0 for a closed object, a failed call and an empty archive alike.
+    // As the archive tells it: of more than 65535 entries it may tell only 65535. 0 for a closed object, a
+    // failed call and an empty archive alike.
     int getFileCount();
     bool gotoFirstFile();
     // False at the end as well as on failure.
     bool gotoNextFile();
 
     // Extracts every entry, from the first to the first that fails, into szFolder, which is made if need be;
-    // a null one means the archive's own folder. ignorePath drops the folders in the names of files. Each
-    // file gets its stored date, read as local time, where that is a date. False for an archive without
-    // entries.
+    // a null one means the archive's own folder. ignorePath drops the folders in the names of files; entries
+    // for folders are made all the same. Each file gets its stored date, read as local time, where that is a
+    // date. False for an archive without entries.
     //
     // Both "/" and "\" separate the elements of a name. A name that leads outside szFolder, or is longer than
     // 259 bytes, fails before anything is made for it. Links that stand in szFolder already are followed.

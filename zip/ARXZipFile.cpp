@@ -170,8 +170,12 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
 
     char const* const commentText = comment ? comment->c_str(nullptr, nullptr, nullptr, nullptr) : nullptr;
     int const zipMethod = method == compressDeflated ? Z_DEFLATED : 0;
-    int const result =
-        zipOpenNewFileInZip(m_zipFile, fileName, info, nullptr, 0, nullptr, 0, commentText, zipMethod, level);
+    // minizip gives the same answer to a level that zlib refuses, but loses the memory of the entry's header.
+    bool const isLevelRefused =
+        zipMethod == Z_DEFLATED && (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION);
+    int const result = isLevelRefused ? Z_STREAM_ERROR
+                                      : zipOpenNewFileInZip(m_zipFile, fileName, info, nullptr, 0, nullptr, 0,
+                                                            commentText, zipMethod, level);
     if (result != ZIP_OK)
         raiseWithText(NEB_HERE, {"Unable to open new file in zip file: ", std::to_string(result).c_str()},
                       "ARXZipFile::openNewFileInZip");

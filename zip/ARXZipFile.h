@@ -12,6 +12,7 @@
 #ifndef ARXIUM_ZIP_ARXZIPFILE_H
 #define ARXIUM_ZIP_ARXZIPFILE_H
 
+#include <cstdint>
 #include <string>
 
 #include <minizip/zip.h>
@@ -24,7 +25,7 @@ class ARXIUM_API ARXZipFile
 {
 public:
     // Any value other than compressDeflated stores.
-    enum compressMethod_t
+    enum compressMethod_t : std::int32_t
     {
         compressStored = 0,
         compressDeflated = 1

@@ -23,9 +23,14 @@ char const* findMessage(std::uint32_t id)
     }
 }
 
-std::map<int, I18NString> const& makeStrings()
+// At load, since a host may name the message file without having asked for any string.
+[[gnu::constructor]] void installCatalogue()
 {
     NEBMessageCatalogue::install(s_messageFile, findMessage);
+}
+
+std::map<int, I18NString> const& makeStrings()
+{
     return *new std::map<int, I18NString>{{0, s_messageFile},
                                           {1, "fileEncryption"},
                                           {2, "on"},

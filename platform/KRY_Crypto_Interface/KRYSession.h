@@ -17,8 +17,10 @@
 #define KRY_CRYPTO_INTERFACE_KRYSESSION_H
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "KRY_Crypto_Interface/KRYDocument.h"
 #include "KRY_Crypto_Interface/KRYFileReader.h"

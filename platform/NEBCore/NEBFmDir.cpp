@@ -59,7 +59,7 @@ bool readType(int directory, char const* name, int flags, mode_t& type)
 // The type of what may be listed: a link to a regular file counts as one, any other link as nothing.
 bool readEntryType(int directory, dirent const& entry, mode_t& type)
 {
-    type = DTTOIF(entry.d_type);
+    type = static_cast<mode_t>(DTTOIF(entry.d_type));
     if (entry.d_type == DT_UNKNOWN && !readType(directory, entry.d_name, AT_SYMLINK_NOFOLLOW, type))
         return false;
     if (type != S_IFLNK)
@@ -71,7 +71,7 @@ bool readEntryType(int directory, dirent const& entry, mode_t& type)
 
 bool listEntries(DIR* directory, std::vector<std::string>& files, std::vector<std::string>& dirs)
 {
-    errno = 0;
+    errno = 0;  // the only way to tell the end from a failure
     while (dirent const* entry = readdir(directory))
     {
         std::string const name = entry->d_name;

@@ -17,7 +17,7 @@ int constexpr s_modeRead = 3;
 template <typename Call>
 auto retryInterrupted(Call const& call)
 {
-    auto result = call();
+    auto result = call();  // a signal to the host's thread is no failure
     while (result < 0 && errno == EINTR)
         result = call();
     return result;
@@ -97,6 +97,7 @@ int NEBFmFile::close()
 
 bool NEBFmFile::openForReading(std::string const& path)
 {
+    // The system opens directories for reading too, so its yes is not enough.
     m_descriptor = openDescriptor(path, O_RDONLY);
     if (m_descriptor < 0)
         return false;

@@ -24,7 +24,9 @@ private:
     // Inline, because a checksum over folded text comes one byte at a time.
     static std::uint32_t crc32Byte(std::uint32_t seed, unsigned char byte)
     {
-        return ~(s_table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8);
+        // ~(table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8), its complements kept off the road from byte to byte.
+        unsigned const inverted = ~static_cast<unsigned>(byte);
+        return s_table[(seed ^ inverted) & 0xFF] ^ (seed >> 8 | 0xFF000000u);
     }
     static std::uint32_t crc32Bytes(std::uint32_t seed, void const* bytes, std::size_t size);
 

@@ -114,9 +114,7 @@ DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
     if (!readSet(0, former))
         return 0;
     DWORD_PTR const formerMask = toMask(former);
-    // All ones may stand for a set that differs from the present one, so they are never taken for it.
-    bool const isThere = mask == formerMask && mask != s_allOnes;
-    if (!isThere && !applyMask(mask))
+    if (mask != formerMask && !applyMask(mask))
         return 0;
 
     if (formerMask == s_allOnes)

@@ -10,56 +10,44 @@
 
 namespace
 {
-class NEBConfigurationStoreLoad : public testing::Test
+// The message of the refusal; empty if the file is taken.
+std::string load(std::string const& path, char const* contents = nullptr)
 {
-protected:
-    NEBConfigurationStoreLoad() { NEBConfigurationStore::getStore().clear(); }
-
-    std::string load(char const* contents)
+    if (contents)
+        std::ofstream(path) << contents;
+    try
     {
-        std::ofstream(m_path) << contents;
-        return messageOf(m_path);
+        NEBConfigurationStore::getStore().load(path);
+        return "";
     }
-    static std::string messageOf(std::string const& path)
+    catch (NEBException const& error)
     {
-        try
-        {
-            NEBConfigurationStore::getStore().load(path);
-            return "";
-        }
-        catch (NEBException const& error)
-        {
-            return error.getMessage();
-        }
+        return error.getMessage();
     }
-    static std::string valueOf(char const* key)
-    {
-        return NEBConfigurationFactory::getInstance().getConfigurationValue(key, nullptr).c_str();
-    }
+}
 
-    TemporaryFolder m_folder;
-    std::string m_path = m_folder / "settings";
-};
-
-TEST_F(NEBConfigurationStoreLoad, TrimsAndKeepsEarlierSettings)
+std::string valueOf(char const* key)
 {
+    return NEBConfigurationFactory::getInstance().getConfigurationValue(key, nullptr).c_str();
+}
+
+TEST(NEBConfigurationStoreLoad, TrimsKeepsEarlierSettingsAndTakesNothingOfARefusedFile)
+{
+    TemporaryFolder const folder;
+    std::string const path = folder / "settings";
     NEBConfigurationStore::getStore().setValue("kept", "1");
     NEBConfigurationStore::getStore().setValue("changed", "1");
-    EXPECT_EQ("", load("# note\r\n\n  changed \t=  a = b \r\nempty=\n\xC3\xA4=\xE2\x82\xAC"));
+    EXPECT_EQ("", load(path, "# note\r\n\n  changed \t=  a = b \r\nempty=\n\xC3\xA4=\xE2\x82\xAC"));
+    EXPECT_EQ(path + ":3: no \"key=value\"", load(path, "kept=2\n\nnonsense\n"));
+    EXPECT_EQ(path + ":2: no \"key=value\"", load(path, "kept=2\n = 2\n"));
+    EXPECT_EQ(path + ":3: \"kept\" is set twice", load(path, "kept=2\n#\nkept = 3\n"));
+    EXPECT_EQ(folder / "missing: can't be opened", load(folder / "missing"));
+    EXPECT_EQ(folder.path() + ": can't be read", load(folder.path()));
     EXPECT_EQ("1", valueOf("kept"));
     EXPECT_EQ("a = b", valueOf("changed"));
     EXPECT_EQ("", valueOf("empty"));
     EXPECT_EQ("\xE2\x82\xAC", valueOf("\xC3\xA4"));
-    EXPECT_EQ("", valueOf("unknown"));
-}
-
-TEST_F(NEBConfigurationStoreLoad, NamesTheLineAndTakesNothingOfARefusedFile)
-{
-    EXPECT_EQ(m_path + ":3: no \"key=value\"", load("a=1\n\nnonsense\n"));
-    EXPECT_EQ(m_path + ":2: no \"key=value\"", load("a=1\n = 2\n"));
-    EXPECT_EQ(m_path + ":3: \"a\" is set twice", load("a=1\n#\na = 2\n"));
-    EXPECT_EQ(m_folder / "missing: can't be opened", messageOf(m_folder / "missing"));
-    EXPECT_EQ(m_folder.path() + ": can't be read", messageOf(m_folder.path()));
-    EXPECT_EQ("", valueOf("a"));
+    NEBConfigurationStore::getStore().clear();
+    EXPECT_EQ("", valueOf("kept"));
 }
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <tuple>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -25,7 +26,7 @@ std::string readAll(std::string const& path)
     return text;
 }
 
-TEST(NEBFmFile, TruncatesAndWritesAtOnce)
+TEST(NEBFmFile, TruncatesWritesAtOnceAndTellsAFullDisk)
 {
     TemporaryFolder const folder;
     std::ofstream(folder / "a") << "longer than before";
@@ -36,6 +37,9 @@ TEST(NEBFmFile, TruncatesAndWritesAtOnce)
     EXPECT_EQ("xyz", readAll(folder / "a"));
     EXPECT_EQ(1, file.close());
     EXPECT_EQ(1, file.close());
+    ASSERT_EQ(1, file.open("/dev/full", s_write, 0));
+    EXPECT_EQ(0, file.write("x", 1));
+    EXPECT_EQ(ENOSPC, errno);
 }
 
 TEST(NEBFmFile, MakesFilesInTheFolderThatEitherSeparatorNames)
@@ -72,17 +76,14 @@ TEST(NEBFmFile, RefusesWhatIsNoFileAndKeepsNoDescriptor)
     TemporaryFolder const folder;
     int const next = dup(0);
     ::close(next);
-    struct
-    {
-        char const* m_name;
-        int m_mode, m_reason;
-    } const rows[] = {{"", s_read, EISDIR},     {"", s_write, EISDIR}, {"x", s_read, ENOENT},
-                      {"x/y", s_write, ENOENT}, {"", 1, EINVAL},       {"new/", s_write, EISDIR}};
-    for (auto const& row : rows)
+    std::tuple<char const*, int, int> const rows[] = {{"", s_read, EISDIR},  {"", s_write, EISDIR},
+                                                      {"x", s_read, ENOENT}, {"x/y", s_write, ENOENT},
+                                                      {"", 1, EINVAL},       {"new/", s_write, EISDIR}};
+    for (auto const& [name, mode, reason] : rows)
     {
         NEBFmFile file;
-        EXPECT_EQ(0, file.open(folder / row.m_name, row.m_mode, 0)) << row.m_name;
-        EXPECT_EQ(row.m_reason, errno) << row.m_name;
+        EXPECT_EQ(0, file.open(folder / name, mode, 0)) << name;
+        EXPECT_EQ(reason, errno) << name;
         char byte = 0;
         EXPECT_EQ(-1, file.read(&byte, 1));
         EXPECT_EQ(0, file.write(&byte, 1));
@@ -90,13 +91,5 @@ TEST(NEBFmFile, RefusesWhatIsNoFileAndKeepsNoDescriptor)
     NEBFmFile file;
     ASSERT_EQ(1, file.open("/dev/null", s_read, 0));
     EXPECT_EQ(FD_CLOEXEC, fcntl(next, F_GETFD)) << "a descriptor was lost or is inherited";
-}
-
-TEST(NEBFmFile, TellsAFullDisk)
-{
-    NEBFmFile file;
-    ASSERT_EQ(1, file.open("/dev/full", s_write, 0));
-    EXPECT_EQ(0, file.write("x", 1));
-    EXPECT_EQ(ENOSPC, errno);
 }
 }  // namespace

@@ -1,39 +1,35 @@
 #include "NEBCore/NEBWeb64.h"
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 namespace
 {
-struct Web64Case
-{
-    std::string m_data;
-    char const* m_text;
-};
-
 // The first seven by RFC 4648, section 10.
-Web64Case const s_web64Cases[] = {{"", ""},
-                                  {"f", "Zg"},
-                                  {"fo", "Zm8"},
-                                  {"foo", "Zm9v"},
-                                  {"foob", "Zm9vYg"},
-                                  {"fooba", "Zm9vYmE"},
-                                  {"foobar", "Zm9vYmFy"},
-                                  {{"\0\0", 2}, "AAA"},
-                                  {"\xFB\xEF\xFF\xFE", "--___g"}};
+std::pair<std::string, char const*> const s_web64Cases[] = {{"", ""},
+                                                            {"f", "Zg"},
+                                                            {"fo", "Zm8"},
+                                                            {"foo", "Zm9v"},
+                                                            {"foob", "Zm9vYg"},
+                                                            {"fooba", "Zm9vYmE"},
+                                                            {"foobar", "Zm9vYmFy"},
+                                                            {{"\0\0", 2}, "AAA"},
+                                                            {"\xFB\xEF\xFF\xFE", "--___g"}};
 
 TEST(NEBWeb64, EncodesAndDecodes)
 {
-    for (Web64Case const& row : s_web64Cases)
+    for (auto const& [bytes, expected] : s_web64Cases)
     {
-        std::vector<char> text(NEBWeb64EncodedSize(row.m_data.size(), 0), 'x');
-        NEBWeb64Encode(row.m_data.data(), row.m_data.size(), text.data(), 0);
-        EXPECT_STREQ(row.m_text, text.data());
+        std::vector<char> text(NEBWeb64EncodedSize(bytes.size(), 0), 'x');
+        NEBWeb64Encode(bytes.data(), bytes.size(), text.data(), 0);
+        EXPECT_STREQ(expected, text.data());
         EXPECT_EQ('\0', text.back());
         std::string data = "before";
         EXPECT_TRUE(NEBWeb64Decode(text.data(), text.size() - 1, data));
-        EXPECT_EQ(row.m_data, data);
+        EXPECT_EQ(bytes, data);
     }
 }
 

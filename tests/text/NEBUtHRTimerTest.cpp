@@ -1,0 +1,110 @@
+#include "text/NEBUtHRTimer.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "os/OsCounter.h"
+
+namespace
+{
+using Numbers = std::vector<std::uint64_t>;
+
+struct Machine
+{
+    DWORD_PTR m_processMask;
+    BOOL m_hasMask;
+    std::int64_t m_frequency;  // 0: refused
+    std::int64_t m_ticks = 0;
+    Numbers m_masks{};  // that a thread was given, and 7 for each reading of the counter
+} s_machine;
+}  // namespace
+
+HANDLE GetCurrentProcess()
+{
+    return &s_machine;
+}
+
+HANDLE GetCurrentThread()
+{
+    return &s_machine.m_masks;
+}
+
+BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR*)
+{
+    *processMask = s_machine.m_processMask;
+    return process == &s_machine ? s_machine.m_hasMask : 0;
+}
+
+DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
+{
+    s_machine.m_masks.push_back(mask);
+    return mask == 0 || thread != &s_machine.m_masks ? 0 : 0xF0;
+}
+
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency)
+{
+    frequency->QuadPart = s_machine.m_frequency;
+    return s_machine.m_frequency != 0;
+}
+
+BOOL QueryPerformanceCounter(LARGE_INTEGER* counter)
+{
+    s_machine.m_masks.push_back(7);
+    counter->QuadPart = s_machine.m_ticks;
+    return 0;  // looked at by nobody
+}
+
+namespace
+{
+struct Case
+{
+    Machine m_machine;
+    DWORD_PTR m_pinned, m_restored;
+    std::uint64_t m_ticks, m_nanoseconds;
+};
+
+Case const s_cases[] = {
+    {{~DWORD_PTR{0}, 1, 10000000}, 1, 0xF0, 0, 0},
+    {{0xC, 1, 10000000}, 4, 0xF0, 18446744073, 1844674407300},
+    {{0xC, 1, 10000000}, 4, 0xF0, 18446744074, 1844674407400},
+    {{DWORD_PTR{1} << 40, 1, 7}, DWORD_PTR{1} << 40, 0xF0, 129127208514, 18446744073428571428u},
+    {{0xC, 1, 3}, 4, 0xF0, 2, 666666666},
+    {{0xC, 1, 0}, 4, 0xF0, 5, 0},
+    {{0xC, 0, 10000000}, 0, 0, 5, 0},
+    {{0, 1, 10000000}, 0, 0, 5, 0},
+};
+
+TEST(NEBUtHRTimer, PinsReadsRestoresAndCountsExactly)
+{
+    for (Case const& c : s_cases)
+    {
+        NEBUtHRTimer timer;
+        s_machine = c.m_machine;
+        NEBUtHRTimer::initialize();
+        s_machine.m_masks.clear();
+        timer.start();
+        s_machine.m_ticks = static_cast<std::int64_t>(c.m_ticks);
+        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(true)) << c.m_ticks;
+        timer.stop();
+        s_machine.m_ticks = 0;  // not read any more
+        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(false)) << c.m_ticks;
+        NEBUtHRTimer::terminate();
+        EXPECT_EQ(0u, timer.getElapsed(true));
+        DWORD_PTR const p = c.m_pinned, r = c.m_restored;
+        EXPECT_EQ((Numbers{p, 7, r, p, 7, r, p, 7, r, 0, 7, 0}), s_machine.m_masks);
+    }
+}
+
+TEST(NEBUtHRTimer, StartsFromScratchAfterAFailedInitialize)
+{
+    NEBUtHRTimer timer;
+    s_machine = Machine{0xC, 1, 1000};
+    NEBUtHRTimer::initialize();
+    EXPECT_EQ(0u, timer.getElapsed(false));  // never started
+    s_machine = Machine{0xC, 0, 1000, 5};
+    NEBUtHRTimer::initialize();
+    EXPECT_EQ(0u, timer.getElapsed(true));
+    EXPECT_EQ((Numbers{0, 7, 0}), s_machine.m_masks);
+}
+}  // namespace

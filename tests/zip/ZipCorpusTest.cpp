@@ -1,0 +1,84 @@
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "path/ARXFmDir.h"
+#include "zip/ARXUnzipFile.h"
+#include "zip/ARXZipInputStream.h"
+#include "zip/ZipTools.h"
+
+namespace
+{
+// Reads all that a stream gives, and sums it up in the words of the index.
+std::string describe(ARXZipInputStream&& stream)
+{
+    std::size_t entries = 0, opened = 0, bytes = 0;
+    std::string name, failure = "none";
+    for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
+    {
+        ++entries;
+        failure = failureOf([&] { stream.getCurrentEntryName(name); });
+        opened += stream.openCurrentEntry();
+        char buffer[5000];
+        for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
+            bytes += count;
+    }
+    return std::to_string(entries) + " entries, " + std::to_string(opened) + " opened, " +
+           std::to_string(bytes) + " bytes" + (failure == "none" ? "" : ", name assertion");
+}
+
+template <class... Source>
+std::string describeSource(Source... source)
+{
+    std::string result = "null";
+    failureOf([&] { result = describe(ARXZipInputStream(source...)); });
+    return result;
+}
+
+// row: the cells of the index. Column 7 tells what is odd, 12 what memory gives, 13 the outcome of
+// extraction.
+void expectRow(std::string const& path, std::vector<std::string> const& row)
+{
+    TemporaryFolder const folder;
+    std::string const target = folder / "a/b/c/";
+    bool const isExtracted = ARXUnzipFile::unzip(path.c_str(), target.c_str(), false);
+    EXPECT_EQ(row.at(13) == "extract ok", isExtracted);
+    Tree const made = readTree(folder.path());
+    for (auto const& [name, bytes] : made)
+        EXPECT_TRUE(std::string("a/b/c/").rfind(name, 0) == 0 || name.rfind("a/b/c/", 0) == 0) << name;
+    EXPECT_TRUE(row.at(13) != "partial" || made.size() > 3);
+    for (auto const& [name, bytes] : isExtracted ? readStream(ARXZipInputStream(path.c_str())) : Tree())
+    {
+        std::string file = target + name;
+        ARXFmDir::normalizePathSeparator(file);
+        EXPECT_TRUE(bytes == readAll(file)) << file;
+    }
+
+    // Memory reads as in the index, but for what can't be read: there minizip hands out raw bytes.
+    bool const isUnreadable = row.at(13) == "refuse or partial" || row.at(7).rfind("encrypted entry", 0) == 0;
+    std::string const archive = readAll(path);
+    std::string const throughMemory = describeSource(archive.data(), archive.size());
+    EXPECT_EQ(!isUnreadable, row.at(12) == throughMemory) << throughMemory;
+    // A file shows more where an entry reaches to the very end, which the seeks of memory don't.
+    EXPECT_TRUE(describeSource(path.c_str()) == throughMemory ||
+                throughMemory == "0 entries, 0 opened, 0 bytes");
+}
+
+TEST(ZipCorpus, EveryArchiveGivesWhatTheIndexExpects)
+{
+    std::string const corpus = ARXIUM_ZIP_CORPUS;
+    std::ifstream index(corpus + "/INDEX.tsv");
+    std::string line;
+    if (!std::getline(index, line))
+        GTEST_SKIP() << "no corpus at " << corpus;
+    while (std::getline(index, line))
+    {
+        std::istringstream cells(line);
+        std::vector<std::string> row;
+        for (std::string cell; std::getline(cells, cell, '\t');)
+            row.push_back(cell);
+        SCOPED_TRACE(row.at(0));
+        expectRow(corpus + "/" + row.at(0), row);
+    }
+}
+}  // namespace

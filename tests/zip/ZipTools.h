@@ -1,0 +1,117 @@
+// What the zip tests share: whole trees, archives made in code, and failures as text.
+
+#ifndef ARXIUM_TESTS_ZIP_ZIPTOOLS_H
+#define ARXIUM_TESTS_ZIP_ZIPTOOLS_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "NEBCore/NEBThrowable.h"
+#include "support/TemporaryFolder.h"
+#include "zip/ARXZipFile.h"
+#include "zip/ARXZipInputStreamI.h"
+
+// Path and contents; a folder's path ends in "/".
+using Tree = std::map<std::string, std::string>;
+using Names = std::vector<std::string>;
+
+inline std::string readAll(std::string const& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    bool const isFile = std::filesystem::is_regular_file(path);
+    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
+}
+
+inline Tree readTree(std::string const& folder)
+{
+    Tree tree;
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder))
+        tree[entry.path().lexically_relative(folder).string() + (entry.is_directory() ? "/" : "")] =
+            readAll(entry.path());
+    return tree;
+}
+
+inline void writeTree(std::string const& folder, Tree const& tree)
+{
+    for (auto const& [name, bytes] : tree)
+    {
+        std::filesystem::create_directories(std::filesystem::path(folder + "/" + name).parent_path());
+        if (name.back() != '/')
+            std::ofstream(folder + "/" + name, std::ios::binary) << bytes;
+    }
+}
+
+// Runs a shell command quietly in a folder.
+inline bool run(std::string const& folder, std::string const& command)
+{
+    return std::system(("cd '" + folder + "' && (" + command + ") </dev/null >/dev/null 2>&1").c_str()) == 0;
+}
+
+inline void write(ARXZipFile& archive, std::string bytes)
+{
+    archive.writeInFileInZip(reinterpret_cast<unsigned char*>(bytes.data()),
+                             static_cast<unsigned>(bytes.size()));
+}
+
+// Stored entries without a date, each holding its own name. patch replaces bytes of the first entry's record
+// in the directory.
+inline void makeArchive(std::string const& path, Names const& names,
+                        std::map<std::size_t, std::string> const& patches = {},
+                        I18NString const* comment = nullptr)
+{
+    ARXZipFile archive;
+    archive.create(path.c_str());
+    for (std::string const& name : names)
+    {
+        archive.openNewFileInZip(name.c_str(), nullptr, comment, ARXZipFile::compressStored, 0);
+        write(archive, name);
+    }
+    archive.close();
+    std::string bytes = readAll(path);
+    for (auto const& [offset, patch] : patches)
+        bytes.replace(bytes.find("PK\1\2") + offset, patch.size(), patch);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+// Name and contents of every entry that opens; of entries with one name the last counts.
+inline Tree readStream(ARXZipInputStreamI&& stream)
+{
+    Tree tree;
+    std::string name;
+    for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
+    {
+        if (!stream.getCurrentEntryName(name) || !stream.openCurrentEntry())
+            continue;
+        std::string& bytes = tree[name] = {};
+        char buffer[1000];
+        for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
+            bytes.append(buffer, count);
+    }
+    return tree;
+}
+
+// The messages, the class unless it is an assertion, the operation, and how many places the error passed.
+template <class Call>
+std::string failureOf(Call const& call)
+{
+    try
+    {
+        call();
+    }
+    catch (NEBThrowable& error)
+    {
+        std::string const name = error.getThrowableName();
+        auto const places = error.getBackTrace();
+        char const* const operation = places.at(0)->getText();
+        return (name == "NEBAssertError" ? "" : name + ": ") + error.getMessage() +
+               (operation ? std::string(" @") + operation : "") + " x" + std::to_string(places.size());
+    }
+    return "none";
+}
+
+#endif
