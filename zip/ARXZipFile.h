@@ -5,9 +5,10 @@
 // share nothing.
 //
 // Limits come from minizip. An entry and the whole archive hold less than 4 GiB each; beyond that the archive
-// can't be read, and nothing reports it. A disk that fills up is reported by the write that hits it, but what
-// is still buffered when an entry or the archive ends is lost without a word: a host that must know reads the
-// archive back.
+// can't be read, and nothing reports it. Of more than 65535 entries this library and many others read all,
+// but strict readers complain. A disk that fills up is reported by the write that hits it, but what is still
+// buffered when an entry or the archive ends is lost without a word: a host that must know reads the archive
+// back.
 
 #ifndef ARXIUM_ZIP_ARXZIPFILE_H
 #define ARXIUM_ZIP_ARXZIPFILE_H
