@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "path/PathModel.h"
 #include "support/Raised.h"
 #include "support/TemporaryFolder.h"
 #include "support/Words.h"
@@ -126,6 +127,20 @@ TEST(ARXFmDir, NormalisesPathsAlsoInPlace)
             ARXFmDir::getNormalizedPath(path, path);
             EXPECT_EQ((Words{row[0], row[0]}), (Words{out, path}));
         }
+}
+
+TEST(ARXFmDir, NormalisesEveryShortPathAsTheModelDoes)
+{
+    Words paths = {""};
+    for (std::size_t i = 0; i < paths.size(); ++i)
+    {
+        std::string const path = paths[i];
+        for (char const* byte = "/\\.aC:"; *byte && path.size() < 7; ++byte)
+            paths.push_back(path + *byte);
+        std::string out;
+        raisedBy([&] { ARXFmDir::getNormalizedPath(path, out); });
+        ASSERT_EQ(path.empty() ? "" : modelNormalizedPath(path), out) << path;
+    }
 }
 
 // Working directory, path, result.
