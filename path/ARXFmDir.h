@@ -87,7 +87,7 @@ protected:
     static void splitPathIntoParts(std::string const& path, ARXFmDirPathParts& parts);
 
 private:
-    friend class ARXFmDirSteps;  // the tests' way to the steps below
+    friend struct ARXFmDirSteps;  // the tests' way to the steps below
 
     // One step from the right: path loses its closing separators; tail is what stands behind its last
     // separator, and head what stands before it, again without closing separators. Both look into path's

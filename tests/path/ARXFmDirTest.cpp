@@ -26,12 +26,10 @@ char const s_kindCases[] =
 TEST(ARXFmDir, TellsDriveAndAbsolutePathsByTheFirstBytes)
 {
     auto const rows = table(s_kindCases);
-    for (std::size_t kind = 0; kind < 4; ++kind)
-        for (std::string const& path : rows.at(kind))
-        {
-            EXPECT_EQ(kind % 2 == 1, ARXFmDir::hasDriveLetter(path.c_str())) << path;
-            EXPECT_EQ(kind >= 2, ARXFmDir::isAbsolutePath(path.c_str())) << path;
-        }
+    for (int kind = 0; kind < 4; ++kind)
+        for (std::string const& path : rows.at(static_cast<std::size_t>(kind)))
+            EXPECT_EQ(kind,
+                      ARXFmDir::hasDriveLetter(path.c_str()) + 2 * ARXFmDir::isAbsolutePath(path.c_str()));
 }
 
 TEST(ARXFmDir, ComparesBytesExactlyButForSeparators)

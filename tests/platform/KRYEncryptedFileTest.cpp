@@ -29,12 +29,6 @@ std::string plainOf(std::size_t size)
     return plain;
 }
 
-std::string readFile(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class KRYEncryptedFile : public KRYStarted
 {
 protected:
@@ -52,7 +46,7 @@ protected:
             rest.remove_prefix(piece.size());
         }
         EXPECT_EQ(KRY_SUCCESS, session.finish());
-        return readFile(m_path);
+        return readAll(m_path);
     }
 
     // Reads a file of these bytes as far as it goes: success if it reports a clean end.
@@ -261,7 +255,7 @@ TEST_F(KRYEncryptedFile, SetUpsFollowOneAnother)
     EXPECT_EQ(fs::perms{0640}, fs::status(m_path).permissions());
     EXPECT_EQ(KRY_SUCCESS, session.sign());
     std::string out;
-    EXPECT_EQ(KRY_SUCCESS, unseal(readFile(m_path), out));
+    EXPECT_EQ(KRY_SUCCESS, unseal(readAll(m_path), out));
     EXPECT_EQ("data", out);
 }
 
@@ -293,7 +287,7 @@ TEST_F(KRYEncryptedFile, AFailedWritePoisonsTheFile)
         EXPECT_EQ(status, session.protect("x"));
         EXPECT_EQ(KRY_ERROR_FILE, session.finish());
         EXPECT_EQ("temporary file of file can't be written: File too large", session.lastFailure());
-        EXPECT_EQ("old", readFile(m_path));
+        EXPECT_EQ("old", readAll(m_path));
         EXPECT_EQ(1, countNames());
         EXPECT_EQ(KRY_SUCCESS, session.finish()) << "the session is idle";
     }
@@ -320,7 +314,7 @@ TEST_F(KRYEncryptedFile, UnfinishedFilesLeaveTheOldOne)
         int status = -1;
         ASSERT_EQ(child, waitpid(child, &status, 0));
         EXPECT_TRUE(WIFSIGNALED(status) || status == 0);
-        EXPECT_EQ("old", readFile(m_path));
+        EXPECT_EQ("old", readAll(m_path));
     }
     std::string out;
     EXPECT_EQ(KRY_SUCCESS, unseal(seal("new"), out)) << "what a killed one left behind is in nobody's way";

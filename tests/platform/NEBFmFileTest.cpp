@@ -15,30 +15,19 @@ namespace
 int constexpr s_write = 2;
 int constexpr s_read = 3;
 
-TEST(NEBFmFile, TruncatesWritesAtOnceAndTellsAFullDisk)
+TEST(NEBFmFile, TruncatesWritesAtOnceUnderEitherSeparatorAndTellsAFullDisk)
 {
     TemporaryFolder const folder;
     std::ofstream(folder / "a") << "longer than before";
     NEBFmFile file;
-    ASSERT_EQ(1, file.open(folder / "a", s_write, 0));
+    ASSERT_EQ(1, file.open(folder.path() + "\\a", s_write, 0));
     EXPECT_EQ(3, file.write("xyz", 3));
     EXPECT_EQ(0, file.write("", 0));
     EXPECT_EQ("xyz", readAll(folder / "a"));
-    EXPECT_EQ(1, file.close());
-    EXPECT_EQ(1, file.close());
+    EXPECT_TRUE(file.close() == 1 && file.close() == 1);
     ASSERT_EQ(1, file.open("/dev/full", s_write, 0));
     EXPECT_EQ(0, file.write("x", 1));
     EXPECT_EQ(ENOSPC, errno);
-}
-
-TEST(NEBFmFile, MakesFilesInTheFolderThatEitherSeparatorNames)
-{
-    TemporaryFolder const folder;
-    std::filesystem::create_directory(folder / "a");
-    NEBFmFile file;
-    ASSERT_EQ(1, file.open(folder / "a\\b", s_write, 0));
-    EXPECT_EQ(1, file.write("x", 1));
-    EXPECT_EQ("x", readAll(folder / "a/b"));
 }
 
 TEST(NEBFmFile, ReadsNoFurtherThanTheSizeAtOpening)

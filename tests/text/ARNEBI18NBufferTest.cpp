@@ -97,14 +97,17 @@ Change const s_changes[] = {
 
 TEST(ARNEBI18NBufferContent, FollowsAStringThroughAnyChanges)
 {
+    Text all;
+    while (all.size() < 100)
+        all += static_cast<char16_t>(u'A' + 259 * all.size());
     for (std::size_t const before : {1u, 2u, 7u, 8u, 14u, 15u, 16u, 100u})
         for (std::size_t const more : {1u, 2u, 3u, 4u, 8u, 14u, 17u, 60u})
             for (std::size_t which = 0; which < std::size(s_changes); ++which)
             {
-                Text model = Text(before - 1, u'm') + u'n';
+                Text model = all.substr(0, before);
                 ARNEBI18NBuffer buffer(units(model));
                 buffer.getCrc(), buffer.getCssCrc();
-                s_changes[which](buffer, model, Text(more, u'T'), more % before);
+                s_changes[which](buffer, model, all.substr(30, more), more % before);
                 ASSERT_NO_FATAL_FAILURE(expectHolds(model, buffer)) << before << " " << more << " " << which;
             }
 }

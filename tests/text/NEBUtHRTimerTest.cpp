@@ -20,26 +20,16 @@ struct Machine
 } s_machine;
 }  // namespace
 
-HANDLE GetCurrentProcess()
-{
-    return &s_machine;
-}
-
-HANDLE GetCurrentThread()
-{
-    return &s_machine.m_masks;
-}
-
 BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR*)
 {
     *processMask = s_machine.m_processMask;
-    return process == &s_machine ? s_machine.m_hasMask : 0;
+    return process == GetCurrentProcess() ? s_machine.m_hasMask : 0;
 }
 
 DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
 {
     s_machine.m_masks.push_back(mask);
-    return mask == 0 || thread != &s_machine.m_masks ? 0 : 0xF0;
+    return mask == 0 || thread != GetCurrentThread() ? 0 : 0xF0;
 }
 
 BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency)
