@@ -50,7 +50,7 @@ char const s_compareCases[] =
 TEST(ARXFmDir, ComparesPathsInEitherOrder)
 {
     for (Words const& row : table(s_compareCases))
-        for (std::size_t first : {0, 1})
+        for (std::size_t const first : {0u, 1u})
         {
             char const *path1 = row[first].c_str(), *path2 = row[1 - first].c_str();
             std::string const offset = std::to_string(ARXFmDir::findDifferentiatingPathOffset(path1, path2));

@@ -18,7 +18,8 @@
 namespace
 {
 std::vector<std::size_t> s_blocks;  // sizes asked for
-std::size_t s_largestBlock = SIZE_MAX;
+std::size_t constexpr s_most = 1 << 30;
+std::size_t s_largestBlock = s_most;
 }  // namespace
 
 void* operator new[](std::size_t size)
@@ -198,7 +199,7 @@ TEST(ARNEBI18NBufferMemory, LackOfItLeavesAUsableEmptyBuffer)
         expectHolds(old, buffer += units(old));
         s_largestBlock = 0;
         EXPECT_THROW(buffer += units(longText), NEBOutOfMemoryError);
-        s_largestBlock = SIZE_MAX;
+        s_largestBlock = s_most;
         expectEmpty(buffer);
     }
     expectHolds(u"ab" + longText, (buffer += units(u"ab")) += units(longText));

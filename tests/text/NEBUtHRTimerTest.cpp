@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "os/OsCounter.h"
@@ -47,41 +48,34 @@ BOOL QueryPerformanceCounter(LARGE_INTEGER* counter)
 
 namespace
 {
-struct Case
-{
-    Machine m_machine;
-    DWORD_PTR m_pinned, m_restored;
-    std::uint64_t m_ticks, m_nanoseconds;
-};
-
-Case const s_cases[] = {
-    {{~DWORD_PTR{0}, 1, 10000000}, 1, 0xF0, 0, 0},
-    {{0xC, 1, 10000000}, 4, 0xF0, 18446744073, 1844674407300},
-    {{0xC, 1, 10000000}, 4, 0xF0, 18446744074, 1844674407400},
-    {{DWORD_PTR{1} << 40, 1, 7}, DWORD_PTR{1} << 40, 0xF0, 129127208514, 18446744073428571428u},
-    {{0xC, 1, 3}, 4, 0xF0, 2, 666666666},
-    {{0xC, 1, 0}, 4, 0xF0, 5, 0},
-    {{0xC, 0, 10000000}, 0, 0, 5, 0},
-    {{0, 1, 10000000}, 0, 0, 5, 0},
+// The mask that is set, the one that is restored, ticks and nanoseconds.
+std::tuple<Machine, DWORD_PTR, DWORD_PTR, std::uint64_t, std::uint64_t> const s_cases[] = {
+    {Machine{~DWORD_PTR{0}, 1, 10000000}, 1, 0xF0, 0, 0},
+    {Machine{0xC, 1, 10000000}, 4, 0xF0, 18446744073, 1844674407300},
+    {Machine{0xC, 1, 10000000}, 4, 0xF0, 18446744074, 1844674407400},
+    {Machine{DWORD_PTR{1} << 40, 1, 7}, DWORD_PTR{1} << 40, 0xF0, 129127208514, 18446744073428571428u},
+    {Machine{0xC, 1, 3}, 4, 0xF0, 2, 666666666},
+    {Machine{0xC, 1, 0}, 4, 0xF0, 5, 0},
+    {Machine{0xC, 0, 10000000}, 0, 0, 5, 0},
+    {Machine{0, 1, 10000000}, 0, 0, 5, 0},
 };
 
 // Case by case without terminate: each initialize starts from scratch.
 TEST(NEBUtHRTimer, PinsReadsRestoresAndCountsExactly)
 {
-    for (Case const& c : s_cases)
+    for (auto const& [machine, p, r, ticks, nanoseconds] : s_cases)
     {
         NEBUtHRTimer timer;
-        s_machine = c.m_machine;
+        s_machine = machine;
         NEBUtHRTimer::initialize();
         s_machine.m_masks.clear();
         EXPECT_EQ(0u, timer.getElapsed(false));  // never started
         timer.start();
-        s_machine.m_ticks = static_cast<std::int64_t>(c.m_ticks);
-        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(true)) << c.m_ticks;
+        s_machine.m_ticks = static_cast<std::int64_t>(ticks);
+        EXPECT_EQ(nanoseconds, timer.getElapsed(true)) << ticks;
         timer.stop();
         s_machine.m_ticks = 0;  // not read any more
-        EXPECT_EQ(c.m_nanoseconds, timer.getElapsed(false)) << c.m_ticks;
-        DWORD_PTR const p = c.m_pinned, r = c.m_restored;
+        EXPECT_EQ(nanoseconds, timer.getElapsed(false)) << ticks;
         EXPECT_EQ((Numbers{p, 7, r, p, 7, r, p, 7, r}), s_machine.m_masks);
     }
     s_machine = {0xC, 1, 1000, 5};
