@@ -32,6 +32,7 @@ public:
 
     void extract(std::uint8_t const* data, std::size_t size, bool ignorePath)
     {
+        fs::remove(m_archive);  // a file that is overwritten goes to the disk at once
         std::ofstream(m_archive, std::ios::binary)
             .write(reinterpret_cast<char const*>(data), static_cast<std::streamsize>(size));
         ARXUnzipFile::unzip(m_archive.c_str(), m_target.c_str(), ignorePath);
