@@ -1,7 +1,7 @@
 // Each function takes exactly its own documents, in the spellings listed here, and refuses every other text
 // as a document. A file that a document names is missing or discarded; names with a separator are not tried.
 
-#include "fuzz/RunningCrypto.h"
+#include "fuzz/StartedCrypto.h"
 
 namespace
 {
@@ -90,7 +90,7 @@ void checkServices(std::string const& document)
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    static RunningCrypto s_crypto;
+    static StartedCrypto s_crypto;
     std::string const document = std::string(reinterpret_cast<char const*>(data), size).c_str();
     checkSetUp(document);
     checkServices(document);

@@ -3,7 +3,7 @@
 
 #include <iterator>
 
-#include "fuzz/RunningCrypto.h"
+#include "fuzz/StartedCrypto.h"
 
 namespace
 {
@@ -25,6 +25,7 @@ std::string seal(std::string const& plain)
 // Whether there was a clean end; plain receives what came before it.
 bool unseal(std::string const& sealed, std::string& plain)
 {
+    std::remove("mutant");  // a file that is overwritten goes to the disk at once
     std::ofstream("mutant", std::ios::binary) << sealed;
     CryptoSession session;
     std::int32_t status = session.setUp(
@@ -71,7 +72,7 @@ void change(std::string& sealed, std::string const& other, FuzzInput& input)
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    static RunningCrypto s_crypto;
+    static StartedCrypto s_crypto;
     static std::string const s_plains[] = {"", "x", std::string(65536, 'y'), std::string(2 * 65536 + 5, 'z')};
     static std::string const s_files[] = {seal(s_plains[0]), seal(s_plains[1]), seal(s_plains[2]),
                                           seal(s_plains[3])};

@@ -50,6 +50,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
     FuzzInput input(data, size);
     std::vector<Entry> entries;
     ARXZipFile archive;
+    std::remove(path.c_str());  // a file that is overwritten goes to the disk at once
     archive.create(path.c_str());
     while (!input.empty())
         entries.push_back(addEntry(archive, input));

@@ -67,7 +67,8 @@ public:
 
     // The canonical form: the drive letter in lower case, only /, no "." elements, ".." resolved as far as
     // the text allows, no doubled or closing separators; "." where nothing is left. Empty paths and a ".."
-    // above the root "/" fail. Needs no look at the disk, and so takes no account of links.
+    // above the root "/" fail. Needs no look at the disk, and so takes no account of links. "./C:/x" gives
+    // "C:/x", whose first name would be a drive the next time.
     static void getNormalizedPath(std::string const& path, std::string& out);
 
     // Puts path under pwd, unless it is absolute; nothing is normalised. A relative path with a drive prefix

@@ -1,8 +1,8 @@
 // The crypto interface, started with a key file of our own for as long as the object lives, and a folder that
 // is current meanwhile.
 
-#ifndef ARXIUM_FUZZ_RUNNINGCRYPTO_H
-#define ARXIUM_FUZZ_RUNNINGCRYPTO_H
+#ifndef ARXIUM_FUZZ_STARTEDCRYPTO_H
+#define ARXIUM_FUZZ_STARTEDCRYPTO_H
 
 #include <fstream>
 #include <string>
@@ -14,10 +14,10 @@
 #include "fuzz/Fuzz.h"
 #include "support/TemporaryFolder.h"
 
-class RunningCrypto
+class StartedCrypto
 {
 public:
-    RunningCrypto() : m_current(m_folder.path())
+    StartedCrypto() : m_current(m_folder.path())
     {
         std::string const key = m_keyFolder / "key";
         std::ofstream(key) << "0123456789abcdefghijklmnopqrstuv";
@@ -27,14 +27,14 @@ public:
                                       nullptr, nullptr) == KRY_SUCCESS,
                  "the crypto interface starts");
     }
-    ~RunningCrypto()
+    ~StartedCrypto()
     {
         KRY_CryptoTerminate("<terminateDocument><serviceID>fuzz</serviceID></terminateDocument>", nullptr,
                             nullptr);
     }
 
-    RunningCrypto(RunningCrypto const&) = delete;
-    RunningCrypto& operator=(RunningCrypto const&) = delete;
+    StartedCrypto(StartedCrypto const&) = delete;
+    StartedCrypto& operator=(StartedCrypto const&) = delete;
 
 private:
     TemporaryFolder m_keyFolder;
