@@ -75,39 +75,57 @@ void forget(void* memory)
         }
 }
 
-// The function of that name behind this program's: the C library's, or that of a sanitizer.
-template <class Function>
-Function behind(Function& known, char const* name)
+// The functions behind this program's: the C library's, or those of a sanitizer.
+struct Allocator
 {
-    if (!known)
+    void* (*m_malloc)(std::size_t);
+    void* (*m_calloc)(std::size_t, std::size_t);
+    void* (*m_realloc)(void*, std::size_t);
+    void (*m_free)(void*);
+};
+
+template <class Function>
+void look(Function& function, char const* name)
+{
+    void* const found = dlsym(RTLD_NEXT, name);
+    std::memcpy(&function, &found, sizeof function);
+}
+
+// Null while they are being looked for: that may free, but needs nothing itself.
+Allocator const* behind()
+{
+    static Allocator s_allocator;
+    static bool s_looking;
+    if (!s_allocator.m_free && !s_looking)
     {
-        void* const found = dlsym(RTLD_NEXT, name);
-        std::memcpy(&known, &found, sizeof known);
+        s_looking = true;
+        look(s_allocator.m_malloc, "malloc");
+        look(s_allocator.m_calloc, "calloc");
+        look(s_allocator.m_realloc, "realloc");
+        look(s_allocator.m_free, "free");
     }
-    return known;
+    return s_allocator.m_free ? &s_allocator : nullptr;
 }
 }  // namespace
 
+#pragma GCC visibility push(default)  // the libraries shall find them
 extern "C"
 {
     void* malloc(std::size_t size)
     {
-        static void* (*s_next)(std::size_t);
-        return refusesAllocation() ? nullptr : noted(behind(s_next, "malloc")(size));
+        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_malloc(size));
     }
 
     void* calloc(std::size_t count, std::size_t size)
     {
-        static void* (*s_next)(std::size_t, std::size_t);
-        return refusesAllocation() ? nullptr : noted(behind(s_next, "calloc")(count, size));
+        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_calloc(count, size));
     }
 
     void* realloc(void* memory, std::size_t size)
     {
-        static void* (*s_next)(void*, std::size_t);
-        if (refusesAllocation())
+        if (refusesAllocation() || !behind())
             return nullptr;
-        void* const moved = behind(s_next, "realloc")(memory, size);
+        void* const moved = behind()->m_realloc(memory, size);
         if (moved)
             forget(memory), noted(moved);
         return moved;
@@ -115,9 +133,9 @@ extern "C"
 
     void free(void* memory)
     {
-        static void (*s_next)(void*);
         forget(memory);
-        behind(s_next, "free")(memory);
+        if (behind())
+            behind()->m_free(memory);
     }
 }
 
@@ -158,6 +176,7 @@ void operator delete[](void* memory, std::size_t) noexcept
     free(memory);
 }
 #endif
+#pragma GCC visibility pop
 
 void FaultInjector::arm(FaultPlan const& plan, char* trace, std::size_t traceSize)
 {
