@@ -139,7 +139,7 @@ extern "C"
     }
 }
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ARXIUM_REPLACE_NEW
 // The sanitizer's own don't come by malloc.
 void* operator new(std::size_t size)
 {
