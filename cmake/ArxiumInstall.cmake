@@ -47,5 +47,6 @@ install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs" COMPONENT Doc
 install(DIRECTORY "${PROJECT_BINARY_DIR}/docs/html" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT Doc OPTIONAL)
 
 if(PROJECT_IS_TOP_LEVEL)
+    include(ArxiumDocs)
     include(ArxiumPackages)
 endif()

@@ -10,6 +10,7 @@ ARXKRYDataPtr::ARXKRYDataPtr(ARXSimpleKRYHandleI* handle, char* data)
 ARXKRYDataPtr::~ARXKRYDataPtr()
 {
     giveBack();
+    m_handle = nullptr;
 }
 
 void ARXKRYDataPtr::destroy(char* pointer)

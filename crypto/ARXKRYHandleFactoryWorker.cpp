@@ -23,6 +23,7 @@ ARXKRYHandleFactoryWorker::HandleResource::~HandleResource()
         char* details = nullptr;
         callForDetails(details, KRY_CloseHandle, &m_kryHandle, nullptr);
         freeDetails(details);
+        m_kryHandle = nullptr;
     }
     catch (...)
     {
@@ -53,7 +54,7 @@ ARXKRYHandleFactoryWorker::ARXKRYHandleFactoryWorker() : m_criticalSection(0) {}
 
 ARXKRYHandleFactoryWorker::~ARXKRYHandleFactoryWorker()
 {
-    // Without the lock: nobody else may be here any more.
+    // Without the lock: nobody else may be here any more. No resource lets anything out of its destructor.
     for (auto const& entry : m_handleResources)
         delete entry.second;
 }

@@ -22,9 +22,9 @@ void addText(ARXException& error, char const* text)
     {
         error << NEBMessageString(I18NString(text, nullptr, -1, nullptr, nullptr));
     }
-    catch (std::bad_alloc const&)
+    catch (...)
     {
-        return;  // lack of memory may cost the message, never the error
+        return;  // lack of memory may cost the message, never the error, and details must still be freed
     }
 }
 }  // namespace

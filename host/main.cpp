@@ -23,6 +23,7 @@ int run(int argc, char** argv)
     CLI::App app("Sample host of the ArxiumCommon library.", "arxhost");
     std::string config;
     Action chosen;
+    app.fallthrough();  // --config may stand behind the command too
     app.add_option("--config", config, "File of settings, a line key=value each")->check(CLI::ExistingFile);
     addCommands(app, chosen);
     try

@@ -25,7 +25,7 @@ KRYFile::~KRYFile()
 struct stat KRYFile::getStatus() const
 {
     struct stat status;
-    if (::fstat(m_descriptor, &status) == -1)
+    if (retryInterrupted([&] { return ::fstat(m_descriptor, &status); }) == -1)
         fail("can't be examined");
     return status;
 }

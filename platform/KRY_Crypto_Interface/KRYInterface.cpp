@@ -1,5 +1,9 @@
 #include "KRY_Crypto_Interface/KRYInterface.h"
 
+#include <utility>
+
+#include <openssl/crypto.h>
+
 #include "KRY_Crypto_Interface/KRYDocument.h"
 #include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYKeyFile.h"
@@ -14,6 +18,8 @@ void KRYInterface::start(char const* document)
 {
     std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
     std::lock_guard<std::mutex> const guard(m_lock);
+    // Where OpenSSL had no memory for its first steps, it crashes in later ones.
+    requireCrypto(OSSL_LIB_CTX_get0_global_default() != nullptr, "OSSL_LIB_CTX_get0_global_default");
     auto key = m_masterKey ? nullptr : KRYKeyFile::load();
     m_services.emplace(serviceID);
     if (key)

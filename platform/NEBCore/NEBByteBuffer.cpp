@@ -23,7 +23,7 @@ void NEBByteBuffer::appendChars(char const* bytes, std::size_t size)
         return;
     if (size > m_capacity - m_count)
     {
-        bool const isOwn = m_bytes && bytes >= m_bytes && bytes < m_bytes + m_count;
+        bool const isOwn = m_bytes && bytes >= m_bytes && bytes < m_bytes + m_capacity;
         std::ptrdiff_t const offset = isOwn ? bytes - m_bytes : 0;
         grow(size > SIZE_MAX - m_count ? SIZE_MAX : m_count + size);
         bytes = isOwn ? m_bytes + offset : bytes;

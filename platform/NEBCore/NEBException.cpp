@@ -56,7 +56,7 @@ char const* NEBException::toString()
 char const* NEBException::getMessage() const
 {
     I18NString text;
-    for (NEBMessageBase const* message : getMessages())
+    for (NEBMessageBase* message : getMessages())
     {
         if (!text.empty())
             text.append(u'\n', 1);
@@ -70,7 +70,7 @@ void NEBException::toString(char const* first, char const* second, I18NString& r
     result.remove();
     result.append(u' ', indent);
     result.append(I18NString(getThrowableName()));
-    for (NEBMessageBase const* message : getMessages())
+    for (NEBMessageBase* message : getMessages())
     {
         I18NString line;
         message->toString(first, second, line, indent + 2);

@@ -44,7 +44,7 @@ char const* NEBMessage::getClassName() const
     return "NEBMessage";
 }
 
-void NEBMessage::format(char const* first, char const* second, I18NString& result) const
+void NEBMessage::format(char const* first, char const* second, I18NString& result)
 {
     char const* pattern = NEBMessageCatalogue::find(m_file.c_str(), getMessageId());
     std::string const text = pattern ? fillPlaces(pattern, first, second)
@@ -52,7 +52,7 @@ void NEBMessage::format(char const* first, char const* second, I18NString& resul
     result.append(I18NString(text.c_str()));
 }
 
-void NEBMessage::toString(char const* first, char const* second, I18NString& result, int indent) const
+void NEBMessage::toString(char const* first, char const* second, I18NString& result, int indent)
 {
     result.remove();
     result.append(u' ', indent);

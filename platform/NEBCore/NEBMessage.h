@@ -16,8 +16,8 @@ public:
 
     NEBMessage* clone() const override;
     char const* getClassName() const override;
-    void format(char const* first, char const* second, I18NString& result) const override;
-    void toString(char const* first, char const* second, I18NString& result, int indent) const override;
+    void format(char const* first, char const* second, I18NString& result) override;
+    void toString(char const* first, char const* second, I18NString& result, int indent) override;
     // Slots 7 and 8.
     virtual I18NString const& getMsgFile() const;
     virtual void setMsgFile(I18NString const& file);

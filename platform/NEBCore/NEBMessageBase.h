@@ -22,9 +22,9 @@ public:
     virtual NEBMessageBase* clone() const = 0;
     virtual char const* getClassName() const = 0;
     // Appends the message's text to result. first and second (may be null) fill the places {0} and {1}.
-    virtual void format(char const* first, char const* second, I18NString& result) const = 0;
+    virtual void format(char const* first, char const* second, I18NString& result) = 0;
     // As format, behind indent blanks, into a result that is replaced.
-    virtual void toString(char const* first, char const* second, I18NString& result, int indent) const = 0;
+    virtual void toString(char const* first, char const* second, I18NString& result, int indent) = 0;
     virtual NEBSeverity getSeverity() const;
     virtual void setSeverity(NEBSeverity severity);
 

@@ -24,10 +24,10 @@ public:
     // set already holds, being a copy of source, are not taken twice.
     void transferMessages(NEBMessageSet const& source);
     // Oldest first; they live as long as this set keeps them.
-    std::vector<NEBMessageBase const*> getMessages() const;
+    std::vector<NEBMessageBase*> getMessages() const;
 
 private:
-    mutable NEBSharedList<std::shared_ptr<NEBMessageBase const>> m_messages;
+    mutable NEBSharedList<std::shared_ptr<NEBMessageBase>> m_messages;
 };
 
 #endif

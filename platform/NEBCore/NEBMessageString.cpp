@@ -12,12 +12,12 @@ char const* NEBMessageString::getClassName() const
     return "NEBMessageString";
 }
 
-void NEBMessageString::format(char const*, char const*, I18NString& result) const
+void NEBMessageString::format(char const*, char const*, I18NString& result)
 {
     result.append(m_text);
 }
 
-void NEBMessageString::toString(char const*, char const*, I18NString& result, int indent) const
+void NEBMessageString::toString(char const*, char const*, I18NString& result, int indent)
 {
     result.remove();
     result.append(u' ', indent);

@@ -14,8 +14,8 @@ public:
     NEBMessageString* clone() const override;
     char const* getClassName() const override;
     // The text as it is: it has no places for arguments.
-    void format(char const* first, char const* second, I18NString& result) const override;
-    void toString(char const* first, char const* second, I18NString& result, int indent) const override;
+    void format(char const* first, char const* second, I18NString& result) override;
+    void toString(char const* first, char const* second, I18NString& result, int indent) override;
 
 private:
     I18NString m_text;

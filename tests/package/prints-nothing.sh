@@ -4,8 +4,9 @@
 set -eu
 status=0
 for library in "$1"/lib*/lib*.so; do
-    printers=$(nm -DC --undefined-only "$library" | sed 's/^ *[A-Za-z] //; s/@.*//' |
+    imports=$(nm -DC --undefined-only "$library")
+    printers=$(echo "$imports" | sed 's/^ *[A-Za-z] //; s/@.*//' |
         grep -xE '(__)?v?f?(printf|wprintf)(_chk)?|v?dprintf|f?puts|f?putc|putw?char|perror|psignal|v?syslog|__v?syslog_chk|std(out|err)|std::w?(cout|cerr|clog)' || true)
     [ -z "$printers" ] || { echo "$library imports:" $printers; status=1; }
 done
-[ -n "${library-}" ] && exit $status
+exit $status

@@ -3,8 +3,8 @@
 #ifndef ARXIUM_TESTS_PLATFORM_KRYSTARTED_H
 #define ARXIUM_TESTS_PLATFORM_KRYSTARTED_H
 
+#include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -17,49 +17,46 @@
 
 inline void writeFile(std::string const& path, std::string_view bytes, mode_t mode = 0600)
 {
+    std::remove(
+        path.c_str());  // an overwritten file would go to the disk at once on ext4, a new one does not
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     ASSERT_EQ(0, chmod(path.c_str(), mode));
 }
 
-inline std::string readFile(std::string const& path)
+// The text of details, which are freed.
+inline std::string taken(char* details)
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string const text = details ? details : "";
+    KRY_CryptoFree(details, nullptr);
+    return text;
 }
 
-// Calls a function that takes a document and details, and gives the details back in text if that is wanted.
-inline std::int32_t callWithDocument(std::int32_t (*call)(char const*, void*, char**),
-                                     std::string const& document, std::string* text = nullptr)
+// Starts and stops take a document of that content; a start puts its details in text.
+inline std::int32_t start(std::string const& content, std::string* text = nullptr)
 {
     char* details = nullptr;
-    std::int32_t const status = call(document.c_str(), nullptr, &details);
+    std::string const document = "<initializeDocument>" + content + "</initializeDocument>";
+    std::int32_t const status = KRY_CryptoInitialize(document.c_str(), nullptr, &details);
     EXPECT_EQ(KRY_SUCCEEDED(status), details == nullptr);
+    std::string const reason = taken(details);
     if (text)
-        *text = details ? details : "";
-    KRY_CryptoFree(details, nullptr);
+        *text = reason;
     return status;
 }
-
-inline std::int32_t startService(std::string const& id, std::string* text = nullptr)
+inline std::int32_t stop(std::string const& content)
 {
-    return callWithDocument(KRY_CryptoInitialize,
-                            "<initializeDocument><serviceID>" + id + "</serviceID></initializeDocument>",
-                            text);
+    return KRY_CryptoTerminate(("<terminateDocument>" + content + "</terminateDocument>").c_str(), nullptr,
+                               nullptr);
 }
-
-inline std::int32_t stopService(std::string const& id, std::string* text = nullptr)
-{
-    return callWithDocument(KRY_CryptoTerminate,
-                            "<terminateDocument><serviceID>" + id + "</serviceID></terminateDocument>", text);
-}
+constexpr char s_service[] = "<serviceID>Arxium</serviceID>";
 
 class KRYTestSession
 {
 public:
-    explicit KRYTestSession(std::string const& serviceID)
+    explicit KRYTestSession(std::string const& id = "ARXIUM")
     {
         std::string const document =
-            "<sessionConfigDocument><serviceID>" + serviceID + "</serviceID></sessionConfigDocument>";
+            "<sessionConfigDocument><serviceID>" + id + "</serviceID></sessionConfigDocument>";
         EXPECT_EQ(KRY_SUCCESS, KRY_PersistentInitialize(&m_session, document.c_str(), nullptr, nullptr));
     }
     ~KRYTestSession() { close(); }
@@ -84,57 +81,45 @@ public:
         return setUp("<action>DecipherStream</action><fileInput>" + path + "</fileInput>");
     }
     std::int32_t closingDocument() { return setUp("<dataLocation>file</dataLocation>"); }
-    std::int32_t finish()
-    {
-        std::int32_t const status = closingDocument();
-        return KRY_SUCCEEDED(status) ? protect("") : status;
-    }
+    std::int32_t finish() { return closingDocument() == KRY_SUCCESS ? protect("") : KRY_ERROR_INTERNAL; }
 
     std::int32_t protect(std::string_view data, std::string* out = nullptr)
     {
         char* bytes = nullptr;
-        std::uint32_t size = 7;
-        std::int32_t const status = KRY_ProtectData(
-            m_session, data.data(), static_cast<std::uint32_t>(data.size()), &bytes, &size, nullptr);
-        return take(status, bytes, size, out);
+        std::uint32_t count = 7;
+        auto const size = static_cast<std::uint32_t>(data.size());
+        std::int32_t const status = KRY_ProtectData(m_session, data.data(), size, &bytes, &count, nullptr);
+        return take(status, bytes, count, out);
     }
-    // Up to wanted bytes, appended to out.
+    // Appends up to wanted bytes to out.
     std::int32_t read(std::string& out, std::uint32_t wanted = 0)
     {
         char* bytes = nullptr;
-        std::uint32_t size = wanted;
-        std::int32_t const status = KRY_UnprotectData(m_session, nullptr, 0, &bytes, &size, nullptr);
-        return take(status, bytes, size, &out);
+        std::int32_t const status = KRY_UnprotectData(m_session, nullptr, 0, &bytes, &wanted, nullptr);
+        return take(status, bytes, wanted, &out);
     }
-    // All the rest, appended to out: success for a clean end.
+    // Appends all the rest to out: success for a clean end.
     std::int32_t readAll(std::string& out, std::uint32_t wanted = 0)
     {
-        std::size_t before;
-        std::int32_t status;
-        do
-        {
-            before = out.size();
-            status = read(out, wanted);
-        } while (KRY_SUCCEEDED(status) && out.size() != before);
-        return status;
+        std::size_t const before = out.size();
+        std::int32_t const status = read(out, wanted);
+        return KRY_SUCCEEDED(status) && out.size() != before ? readAll(out, wanted) : status;
     }
 
     std::string lastFailure()
     {
         char* details = nullptr;
         EXPECT_EQ(KRY_SUCCESS, KRY_CryptoGetLastErrorDetails(m_session, nullptr, &details));
-        std::string const text = details ? details : "";
-        KRY_CryptoFree(details, nullptr);
-        return text;
+        return taken(details);
     }
 
 private:
-    static std::int32_t take(std::int32_t status, char* bytes, std::uint32_t size, std::string* out)
+    static std::int32_t take(std::int32_t status, char* bytes, std::uint32_t count, std::string* out)
     {
-        EXPECT_EQ(size == 0, bytes == nullptr);
-        EXPECT_TRUE(KRY_SUCCEEDED(status) || size == 0);
-        if (out && bytes)
-            out->append(bytes, size);
+        EXPECT_EQ(count == 0, bytes == nullptr);
+        EXPECT_TRUE(KRY_SUCCEEDED(status) || count == 0);
+        if (out)
+            out->append(bytes ? bytes : "", count);
         KRY_CryptoFree(bytes, nullptr);
         return status;
     }
@@ -145,28 +130,19 @@ private:
 class KRYStarted : public testing::Test
 {
 protected:
-    KRYStarted()
-    {
-        useKey(m_key);
-        EXPECT_EQ(KRY_SUCCESS, startService("Arxium"));
-    }
+    KRYStarted() { startWithKey(m_key); }
     ~KRYStarted() override
     {
-        stopService("Arxium");
+        stop(s_service);
         NEBConfigurationStore::getStore().clear();
     }
 
-    // From the next start on.
-    void useKey(std::string const& key)
+    void startWithKey(std::string const& key)
     {
-        std::string const path = m_keyFolder / "key";
-        writeFile(path, key);
-        NEBConfigurationStore::getStore().setValue("cryptoKeyFile", path.c_str());
-    }
-    void restart()
-    {
-        EXPECT_EQ(KRY_SUCCESS, stopService("Arxium"));
-        EXPECT_EQ(KRY_SUCCESS, startService("Arxium"));
+        stop(s_service);
+        writeFile(m_keyFolder / "key", key);
+        NEBConfigurationStore::getStore().setValue("cryptoKeyFile", (m_keyFolder / "key").c_str());
+        EXPECT_EQ(KRY_SUCCESS, start(s_service));
     }
 
     std::string const m_key = "0123456789abcdefghijklmnopqrstuv";
