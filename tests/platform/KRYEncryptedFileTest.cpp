@@ -19,6 +19,8 @@ namespace fs = std::filesystem;
 constexpr std::size_t s_segment = 65536;
 constexpr std::size_t s_tag = 16;
 constexpr std::size_t s_header = 52;
+constexpr std::size_t s_sizes[] = {
+    0, 1, s_segment - 1, s_segment, s_segment + 1, 2 * s_segment, 3 * s_segment + 5};
 
 std::string plainOf(std::size_t size)
 {
@@ -109,8 +111,7 @@ TEST_F(KRYEncryptedFile, ComesBackBitForBitWhateverThePieces)
 {
     std::vector<std::vector<std::size_t>> const pieces = {
         {1000000}, {s_segment}, {1, s_segment, 7}, {s_segment - 1, 1}, {100, 2 * s_segment}, {4096}};
-    for (std::size_t const size : {std::size_t{0}, std::size_t{1}, s_segment - 1, s_segment, s_segment + 1,
-                                   2 * s_segment, 3 * s_segment + 5})
+    for (std::size_t const size : s_sizes)
         for (auto const& each : pieces)
         {
             std::string const plain = plainOf(size);
