@@ -42,9 +42,6 @@
 #include "zip/ARXZipInputStream.h"
 #include "zip/ZipTools.h"
 
-// There in a build for coverage.
-extern "C" [[gnu::weak]] void __gcov_dump();
-
 namespace
 {
 // What a child tells its parent.
@@ -568,9 +565,7 @@ protected:
         {
             alarm(100);
             act();
-            if (__gcov_dump)
-                __gcov_dump();
-            _exit(0);
+            ARXIUM_END_CHILD(0);
         }
         return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
