@@ -22,9 +22,6 @@ constexpr std::size_t s_header = 52;
 constexpr std::size_t s_sizes[] = {
     0, 1, s_segment - 1, s_segment, s_segment + 1, 2 * s_segment, 3 * s_segment + 5};
 
-std::size_t const s_sizes[] = {
-    0, 1, s_segment - 1, s_segment, s_segment + 1, 2 * s_segment, 3 * s_segment + 5};
-
 std::string plainOf(std::size_t size)
 {
     std::minstd_rand random(static_cast<unsigned>(size + 1));
