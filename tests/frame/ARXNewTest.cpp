@@ -1,8 +1,7 @@
 #include "frame/ARXNew.h"
 
 #include <new>
-#include <stdexcept>
-#include <utility>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -11,55 +10,40 @@
 
 namespace
 {
-int s_object = 0;
+int s_object = 0, s_before = 0;
 
-int* make(char const* failure)
+int* make(std::string const& failure)
 {
-    std::string const kind = failure;
-    if (kind == "bad_alloc")
+    if (failure == "bad_alloc")
         throw std::bad_alloc();
-    if (kind == "std")
+    if (failure == "std")
         throw std::out_of_range("out of range");
-    if (kind == "foreign")
+    if (failure == "foreign")
         throw 7;
-    NEB_ASSERT(kind != "assertion");
-    return kind == "null" ? nullptr : &s_object;
-}
-
-int* guarded(char const* failure)
-{
-    int* target = nullptr;
-    NEB_NEW(target, make(failure));
-    return target;
+    NEB_ASSERT_NAMED(NULL == nullptr && failure != "assertion", "a \"text\"");
+    return failure == "null" ? nullptr : &s_object;
 }
 }  // namespace
 
-TEST(NEBNew, TellsEachFailureInItsOwnWay)
+TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
 {
-    std::string const thrown = "tests/frame/ARXNewTest.cpp NEB_THROW";
-    std::string const passed = "tests/frame/ARXNewTest.cpp NEB_RETHROW";
-    std::pair<char const*, Lines> const s_failures[] = {
-        {"none", {}},
-        {"null", {"NEBOutOfMemoryError: ", thrown, passed}},
-        {"bad_alloc", {"NEBOutOfMemoryError: ", thrown}},
-        {"std", {"NEBStdExceptionError: out of range", thrown}},
-        {"assertion", {"NEBAssertError: NEB_ASSERT(kind != \"assertion\");", thrown, passed}},
+    std::string const thrown = " | tests/frame/ARXNewTest.cpp NEB_THROW";
+    std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW";
+    std::string const text =
+        "NEB_ASSERT_NAMED(NULL == nullptr && failure != \"assertion\", \"a \\\"text\\\"\");";
+    std::tuple<char const*, int*, std::string> const rows[] = {
+        {"none", &s_object, ""},
+        {"null", nullptr, "NEBOutOfMemoryError: " + thrown + passed},
+        {"bad_alloc", &s_before, "NEBOutOfMemoryError: " + thrown},
+        {"std", &s_before, "NEBStdExceptionError: out of range" + thrown},
+        {"assertion", &s_before, "NEBAssertError: " + text + thrown + passed},
     };
-    for (auto const& [failure, raised] : s_failures)
-        EXPECT_EQ(raised, raisedBy([&name = failure] { guarded(name); })) << failure;
-    EXPECT_EQ(&s_object, guarded("none"));
-    EXPECT_THROW(guarded("foreign"), int);
-}
-
-TEST(NEBNew, LeavesTheTargetOfAFailedExpression)
-{
-    int* target = &s_object;
-    raisedBy([&] { NEB_NEW(target, make("std")); });
-    EXPECT_EQ(&s_object, target);
-}
-
-TEST(NEBAssert, SaysWhatTheSourceSays)
-{
-    EXPECT_EQ("NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");",
-              raisedBy([] { NEB_ASSERT_NAMED(NULL == &s_object, "a \"text\""); })[0]);
+    int* target = nullptr;
+    for (auto const& [failure, left, raised] : rows)
+    {
+        target = &s_before;
+        EXPECT_EQ(raised, joined(raisedBy([&, &name = failure] { NEB_NEW(target, make(name)); })));
+        EXPECT_EQ(left, target) << failure;
+    }
+    EXPECT_THROW(NEB_NEW(target, make("foreign")), int);
 }
