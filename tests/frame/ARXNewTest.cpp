@@ -12,38 +12,36 @@ namespace
 {
 int s_object = 0, s_before = 0;
 
-int* make(std::string const& failure)
+int* assertion()
 {
-    if (failure == "bad_alloc")
-        throw std::bad_alloc();
-    if (failure == "std")
-        throw std::out_of_range("out of range");
-    if (failure == "foreign")
-        throw 7;
-    NEB_ASSERT_NAMED(NULL == nullptr && failure != "assertion", "a \"text\"");
-    return failure == "null" ? nullptr : &s_object;
+    NEB_ASSERT_NAMED(NULL != nullptr, "a \"text\"");
+    return nullptr;
 }
 }  // namespace
 
 TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
 {
     std::string const thrown = " | tests/frame/ARXNewTest.cpp NEB_THROW";
-    std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW";
-    std::string const text =
-        "NEB_ASSERT_NAMED(NULL == nullptr && failure != \"assertion\", \"a \\\"text\\\"\");";
-    std::tuple<char const*, int*, std::string> const rows[] = {
-        {"none", &s_object, ""},
-        {"null", nullptr, "NEBOutOfMemoryError: " + thrown + passed},
-        {"bad_alloc", &s_before, "NEBOutOfMemoryError: " + thrown},
-        {"std", &s_before, "NEBStdExceptionError: out of range" + thrown},
-        {"assertion", &s_before, "NEBAssertError: " + text + thrown + passed},
+    std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW",
+                      noMemory = "NEBOutOfMemoryError: ";
+    std::string const text = "NEBAssertError: NEB_ASSERT_NAMED(NULL != nullptr, \"a \\\"text\\\"\");";
+    std::tuple<int* (*)(), int*, std::string> const rows[] = {
+        {[] { return &s_object; }, &s_object, ""},
+        {[]() -> int* { return nullptr; }, nullptr, noMemory + thrown + passed},
+        {[]() -> int* { throw std::bad_alloc(); }, &s_before, noMemory + thrown},
+        {[]() -> int* { throw std::out_of_range("x"); }, &s_before, "NEBStdExceptionError: x" + thrown},
+        {assertion, &s_before, text + thrown + passed},
     };
-    int* target = nullptr;
-    for (auto const& [failure, left, raised] : rows)
+    for (auto const& [make, left, raised] : rows)
     {
-        target = &s_before;
-        EXPECT_EQ(raised, joined(raisedBy([&, &name = failure] { NEB_NEW(target, make(name)); })));
-        EXPECT_EQ(left, target) << failure;
+        int* target = &s_before;
+        EXPECT_EQ(raised, joined(raisedBy([&, &maker = make] { NEB_NEW(target, maker()); })));
+        EXPECT_EQ(left, target) << raised;
     }
-    EXPECT_THROW(NEB_NEW(target, make("foreign")), int);
+    int* target = nullptr;
+    auto const foreign = [&]
+    {
+        NEB_NEW(target, []() -> int* { throw 7; }());
+    };
+    EXPECT_THROW(foreign(), int);
 }

@@ -7,12 +7,12 @@
 
 namespace
 {
-std::string const s_head = " <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>";
-std::string const s_body = "Document><serviceID>Arxium</serviceID></";
+std::string const s_head = " <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><";
+std::string const s_body = "Document><serviceID>Arxium</serviceID></", s_free = "Free details, ";
 std::string const s_start =
-    "I18NInitialize, Initialize" + s_head + "<initialize" + s_body + "initializeDocument>, ";
-std::string const s_close = "Terminate" + s_head + "<terminate" + s_body + "terminateDocument>, ";
-std::string const s_stop = s_close + "I18NTerminate, ", s_free = "Free details, ";
+    "I18NInitialize, Initialize" + s_head + "initialize" + s_body + "initializeDocument>, ";
+std::string const s_close = "Terminate" + s_head + "terminate" + s_body + "terminateDocument>, ";
+std::string const s_stop = s_close + "I18NTerminate, ";
 
 bool isServing()
 {
@@ -30,27 +30,26 @@ using ArxiumTest = RecordedTest;
 
 TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWorkAndAFailedStartDoesNotCount)
 {
-    std::string const init = "KRY_CryptoInitialize", term = "KRY_CryptoTerminate";
-    std::string const full = s_start + "F+, " + s_stop + "T-";
-    std::string const text = "\"Arxium::initialize - crypto initialization failed\"";
-    std::string const refused =
-        "F- NEBAssertError: NEB_ASSERT_NAMED(::initCrypto(), " + text + "); | frame/Arxium.cpp NEB_THROW, ";
+    std::string const init = "KRY_CryptoInitialize", term = "KRY_CryptoTerminate",
+                      error = "- NEBAssertError: NEB_ASSERT";
+    std::string const full = s_start + "F+, " + s_stop + "T-", thrown = "); | frame/Arxium.cpp NEB_THROW, ";
+    std::string const text = "_NAMED(::initCrypto(), \"Arxium::initialize - crypto initialization failed\"";
+    std::string const failed = s_start + "F+, " + s_close + s_free + "I18NTerminate, T-";
+    std::string const shared = "PersistentInitialize cnfg, SetInfo S1 info, S+, CloseHandle S1, ";
     // What was called, and each step behind it: whether the library serves then, and what the step raised.
     std::tuple<std::string, Fault, std::string, std::string> const rows[] = {
         {"", Fault::None, "HT", "H+, T-"},
         {"", Fault::None, "HFTT", "H+, F+, T+, T-"},
         {"", Fault::None, "FHTT", s_start + "F+, H+, T+, " + s_stop + "T-"},
         {"", Fault::None, "HTFT", "H+, T-, " + full},
-        {"", Fault::None, "TFT",
-         "T- NEBAssertError: NEB_ASSERT(m_initcount > 0); | frame/Arxium.cpp NEB_THROW, " + full},
-        {"", Fault::None, "FST",
-         s_start + "F+, PersistentInitialize cnfg, SetInfo S1 info, S+, CloseHandle S1, " + s_stop + "T-"},
-        {init, Fault::Details, "FFT", s_start + s_free + refused + full},
-        {init, Fault::Status, "FFT", s_start + refused + full},
+        {"", Fault::None, "TFT", "T" + error + "(m_initcount > 0" + thrown + full},
+        {"", Fault::None, "FST", s_start + "F+, " + shared + s_stop + "T-"},
+        {init, Fault::Details, "FFT", s_start + s_free + "F" + error + text + thrown + full},
+        {init, Fault::Status, "FFT", s_start + "F" + error + text + thrown + full},
         {init, Fault::Exception, "FFT", s_start + s_free + "F- raised, " + full},
-        {term, Fault::Details, "FT", s_start + "F+, " + s_close + s_free + "I18NTerminate, T-"},
+        {term, Fault::Details, "FT", failed},
         {term, Fault::Status, "FT", full},
-        {term, Fault::Exception, "FT", s_start + "F+, " + s_close + s_free + "I18NTerminate, T-"},
+        {term, Fault::Exception, "FT", failed},
     };
     for (auto const& [function, fault, steps, story] : rows)
     {
@@ -60,7 +59,7 @@ TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWorkAndAFailedStartDoesNotCoun
         {
             std::string const raised = joined(raisedBy(s_steps.at(step)));
             m_recorder.m_calls.push_back(step + std::string(isServing() ? "+" : "-") +
-                                         (raised.empty() ? "" : " ") + raised);
+                                         (raised.empty() ? "" : " " + raised));
         }
         EXPECT_EQ(story, m_recorder.takeStory());
         EXPECT_EQ(Lines(), m_recorder.problems());

@@ -1,6 +1,6 @@
 #include "url/ARXHelper.h"
 
-#include <cstring>
+#include <cstdio>
 #include <tuple>
 
 #include "NEBCore/I18NString.h"
@@ -43,31 +43,27 @@ TEST_F(ARXHelperTest, EncodesUnits)
               encode(false, nullptr, 2u));
 }
 
-TEST_F(ARXHelperTest, PassesLettersDigitsSixSignsAndNoOtherAscii)
+TEST_F(ARXHelperTest, PassesLettersDigitsSixSignsAndALongTextEqualsItsUnitsAtAnyAddress)
 {
     std::string const passed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789()*-._";
-    for (char16_t unit = 0; unit < 0x80; ++unit)
+    std::string expected, bytes = "x";
+    for (char16_t unit = 0; unit < 0xFFFF; ++unit)
     {
         char escape[8];
         std::snprintf(escape, sizeof escape, "%%%02x", unsigned(unit));
         std::string const kept(1, char(unit));
-        EXPECT_EQ(passed.find(kept) + 1 ? kept : unit == u' ' ? "+" : escape, encode(false, &unit, 2u));
-        EXPECT_EQ(kept, encode(true, &unit, 2u));
+        std::string const encoded = encode(false, &unit, 2u);
+        if (unit < 0x80)
+        {
+            EXPECT_EQ(passed.find(kept) + 1 ? kept : unit == u' ' ? "+" : escape, encoded);
+            EXPECT_EQ(kept, encode(true, &unit, 2u));
+        }
+        expected += encoded;
+        bytes.append(reinterpret_cast<char const*>(&unit), 2);
     }
-}
-
-TEST_F(ARXHelperTest, LongTextsEqualTheirPartsAtAnyAddress)
-{
-    std::u16string text;
-    std::string expected, bytes = "x";
-    for (int i = 0; i < 1500; ++i)
-    {
-        text += i % 5 == 0 ? char16_t(0x30 * i) : i < 700 ? u'\uFFFF' : u'a';
-        expected += encode(false, &text.back(), 2u);
-    }
-    bytes.append(reinterpret_cast<char const*>(text.data()), 2 * text.size());
-    EXPECT_EQ(expected, encode(false, text.data(), 2 * text.size()));
-    EXPECT_EQ(expected, encode(false, &bytes[1], 2 * text.size() + 1));
+    std::string const even = bytes.substr(1);
+    EXPECT_EQ(expected, encode(false, even.data(), even.size()));
+    EXPECT_EQ(expected, encode(false, &bytes[1], bytes.size()));
 }
 
 TEST_F(ARXHelperTest, RewritesTextsAndReadsBasePaths)
