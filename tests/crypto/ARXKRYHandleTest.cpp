@@ -9,9 +9,8 @@
 
 namespace
 {
-class ARXKRYHandleTest : public RecordedTest
+struct ARXKRYHandleTest : RecordedTest
 {
-protected:
     void* m_session = nullptr;
     NEBThreadCriticalSection m_lock{0};
     ARXSimpleKRYHandle m_simple{m_session, m_lock};

@@ -1,7 +1,6 @@
 #include "support/CryptoRecorder.h"
 
 #include <future>
-#include <mutex>
 #include <thread>
 
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
@@ -42,24 +41,23 @@ std::int32_t answer(std::string const& function, std::string const& arguments, c
     return fault == Fault::None ? 0 : fault == Fault::NullSession ? 1 : -1;
 }
 
-// Held during a call on a session, null included, on which no other may run meanwhile.
-struct Use
+CryptoRecorder::Session& sessionOf(void* token)
 {
-    explicit Use(void* session)
-        : m_session(session ? *static_cast<CryptoRecorder::Session*>(session) : s_noSession)
-    {
-        EXPECT_FALSE(m_session.m_busy.exchange(true)) << "two calls at once: " << m_session.m_name;
-        EXPECT_FALSE(m_session.m_closed) << "used behind its end: " << m_session.m_name;
-    }
-    ~Use() { m_session.m_busy = false; }
-    std::int32_t answer(std::string const& function, std::string const& arguments,
-                        char** details = nullptr) const
-    {
-        return ::answer(function, m_session.m_name + arguments, details);
-    }
+    return token ? *static_cast<CryptoRecorder::Session*>(token) : s_noSession;
+}
 
-    CryptoRecorder::Session& m_session;
-};
+// The same for a call on a session, null included, on which no other may run meanwhile.
+std::int32_t answerOn(void* token, std::string const& function, std::string const& arguments,
+                      char** details = nullptr)
+{
+    CryptoRecorder::Session& session = sessionOf(token);
+    std::unique_lock const use(session.m_use, std::try_to_lock);
+    EXPECT_TRUE(use.owns_lock()) << "two calls at once: " << session.m_name;
+    EXPECT_FALSE(session.m_closed) << "used behind its end: " << session.m_name;
+    if (s_recorder.m_duringProtect && function == "KRY_ProtectData")
+        s_recorder.m_duringProtect();
+    return answer(function, session.m_name + arguments, details);
+}
 }  // namespace
 
 Lines CryptoRecorder::problems() const
@@ -104,10 +102,9 @@ std::int32_t KRY_PersistentInitialize(void** session, char const* document, void
 
 std::int32_t KRY_SetInfo(void* session, char const* document, void*)
 {
-    Use const use(session);
-    std::int32_t const status = use.answer("KRY_SetInfo", std::string(" ") + document);
+    std::int32_t const status = answerOn(session, "KRY_SetInfo", std::string(" ") + document);
     if (status == 0)
-        use.m_session.m_infoDoc = document;
+        sessionOf(session).m_infoDoc = document;
     return status;
 }
 
@@ -116,7 +113,7 @@ std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third)
     std::string words;
     for (void* const word : {first, second, third})
         words += std::string(" ") + (word ? static_cast<char const*>(word) : "null");
-    return Use(session).answer("KRY_GetInfo", words);
+    return answerOn(session, "KRY_GetInfo", words);
 }
 
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
@@ -124,12 +121,9 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
 {
     // A large piece is not looked at: it may be a mapping without pages behind it.
     std::string const bytes = size > 0xFFFFFF ? std::to_string(size) + " bytes" : std::string(data, size);
-    Use const use(session);
-    if (s_recorder.m_duringProtect)
-        s_recorder.m_duringProtect();
-    std::int32_t const status = use.answer("KRY_ProtectData", " " + bytes);
+    std::int32_t const status = answerOn(session, "KRY_ProtectData", " " + bytes);
     // Something comes back on failure too, so that nobody gets away with looking at the status first.
-    if (use.m_session.m_infoDoc.find("file") == std::string::npos)
+    if (sessionOf(session).m_infoDoc.find("file") == std::string::npos)
         *outData = handOut("<" + bytes + ">", "data"), *outSize = size + 2;
     return status;
 }
@@ -137,18 +131,17 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
 std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
                                std::uint32_t* outSize, void*)
 {
-    std::string const bytes(data, size), wanted = std::to_string(*outSize);
-    std::int32_t const status = Use(session).answer("KRY_UnprotectData", " " + bytes + " wanted " + wanted);
+    std::string const words = " " + std::string(data, size) + " wanted " + std::to_string(*outSize);
+    std::int32_t const status = answerOn(session, "KRY_UnprotectData", words);
     *outData = handOut("plain", "data"), *outSize = 5;
     return status;
 }
 
 std::int32_t KRY_CloseHandle(void** session, void*, char** details)
 {
-    Use const use(*session);
-    use.m_session.m_closeAsked = true;
-    std::int32_t const status = use.answer("KRY_CloseHandle", "", details);
-    use.m_session.m_closed = status == 0;
+    sessionOf(*session).m_closeAsked = true;
+    std::int32_t const status = answerOn(*session, "KRY_CloseHandle", "", details);
+    sessionOf(*session).m_closed = status == 0;
     return status;
 }
 
@@ -163,7 +156,7 @@ std::int32_t KRY_CryptoFree(void* memory, void*)
 
 std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
 {
-    std::int32_t const status = Use(session).answer("KRY_CryptoGetLastErrorDetails", "", details);
+    std::int32_t const status = answerOn(session, "KRY_CryptoGetLastErrorDetails", "", details);
     if (status == 0)
         *details = handOut({"reason", 7}, "details");
     return status;

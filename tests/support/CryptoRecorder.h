@@ -6,11 +6,11 @@
 #ifndef ARXIUM_TESTS_SUPPORT_CRYPTORECORDER_H
 #define ARXIUM_TESTS_SUPPORT_CRYPTORECORDER_H
 
-#include <atomic>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <regex>
 
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ struct CryptoRecorder
         explicit Session(std::string name) : m_name(std::move(name)) {}
         std::string m_name;
         std::string m_infoDoc;
-        std::atomic<bool> m_busy{false};
+        std::mutex m_use{};         // held during each call
         bool m_closeAsked = false;  // enough for us: one that won't close is the interface's
         bool m_closed = false;
     };
@@ -66,9 +66,8 @@ struct CryptoRecorder
 };
 
 // Starts with fresh doubles and ends by looking for what was not given back.
-class RecordedTest : public testing::Test
+struct RecordedTest : testing::Test
 {
-protected:
     RecordedTest() { m_recorder.reset(); }
     ~RecordedTest() override { EXPECT_EQ(Lines(), m_recorder.problems()); }
 
