@@ -14,7 +14,7 @@ int s_object = 0, s_before = 0;
 
 int* assertion()
 {
-    NEB_ASSERT_NAMED(NULL != nullptr, "a \"text\"");
+    NEB_ASSERT_NAMED(NULL == &s_object, "a \"text\"");
     return nullptr;
 }
 }  // namespace
@@ -24,7 +24,7 @@ TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
     std::string const thrown = " | tests/frame/ARXNewTest.cpp NEB_THROW";
     std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW",
                       noMemory = "NEBOutOfMemoryError: ";
-    std::string const text = "NEBAssertError: NEB_ASSERT_NAMED(NULL != nullptr, \"a \\\"text\\\"\");";
+    std::string const text = "NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");";
     std::tuple<int* (*)(), int*, std::string> const rows[] = {
         {[] { return &s_object; }, &s_object, ""},
         {[]() -> int* { return nullptr; }, nullptr, noMemory + thrown + passed},

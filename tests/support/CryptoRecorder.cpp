@@ -60,6 +60,15 @@ std::int32_t answerOn(void* token, std::string const& function, std::string cons
 }
 }  // namespace
 
+std::string CryptoRecorder::takeStory()
+{
+    std::string story = joined(takeCalls(), ", ");
+    for (std::string const prefix : {"KRY_Crypto", "KRY_"})
+        for (std::size_t at; (at = story.find(prefix)) != std::string::npos;)
+            story.erase(at, prefix.size());
+    return story;
+}
+
 Lines CryptoRecorder::problems() const
 {
     Lines problems;

@@ -11,7 +11,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -39,10 +38,7 @@ struct CryptoRecorder
     // Sessions and what is freed are named in the order in which, and as what, they were handed out.
     Lines takeCalls() { return std::exchange(m_calls, {}); }
     // The same in one line: "SetInfo S1 info, Free details", without "KRY_" and "Crypto".
-    std::string takeStory()
-    {
-        return std::regex_replace(joined(takeCalls(), ", "), std::regex("KRY_(Crypto)?"), "");
-    }
+    std::string takeStory();
     // What was not given back. Calls that overlap or come behind the end of their session fail at once.
     Lines problems() const;
 
