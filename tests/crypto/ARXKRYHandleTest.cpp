@@ -6,80 +6,76 @@
 #include "NEBCore/NEBThreadGuard.h"
 #include "crypto/ARXSimpleKRYHandle.h"
 #include "support/CryptoRecorder.h"
-#include "support/Raised.h"
 
-using ARXKRYHandleTest = RecordedTest;
+namespace
+{
+struct ARXKRYHandleTest : RecordedTest
+{
+    void* m_session = nullptr;
+    NEBThreadCriticalSection m_lock{0};
+    ARXSimpleKRYHandle m_simple{m_session, m_lock};
+    ARXKRYHandle m_full;
+    ARXSimpleKRYHandleI* const m_both[2] = {&m_simple, &m_full};
+};
+}  // namespace
 
 TEST_F(ARXKRYHandleTest, EachFailureIsToldWithItsDetailsAndFreesThem)
 {
     std::string const thrown = " | crypto/ARXKRYHandle.cpp NEB_THROW ARXKRYHandle::";
-    std::string const open = thrown + "persistentInitialize - Error in KRY_PersistentInitialize";
-    std::string const set = thrown + "setInfo - Error in KRY_SetInfo";
-    std::string const close = thrown + "closeHandle - Error in KRY_CloseHandle";
-    std::string const first = "PersistentInitialize one";
-    std::string const all = "PersistentInitialize one, SetInfo S1 info, CloseHandle S1";
-    std::tuple<char const*, int, Fault, std::string, std::string> const s_cases[] = {
-        {"none", 1, Fault::None, "", all + ", PersistentInitialize two, CloseHandle S2"},
-        {"KRY_PersistentInitialize", 1, Fault::Details, "ARXException: reason" + open,
-         first + ", Free details"},
-        {"KRY_PersistentInitialize", 1, Fault::Status, "ARXException: " + open, first},
-        {"KRY_PersistentInitialize", 1, Fault::Exception, "raised", first + ", Free details"},
-        {"KRY_PersistentInitialize", 2, Fault::Status, "ARXException: " + open,
-         all + ", PersistentInitialize two"},
-        {"KRY_SetInfo", 1, Fault::Status, "ARXException: reason" + set,
-         first + ", SetInfo S1 info, GetLastErrorDetails S1, Free details, CloseHandle S1"},
-        {"KRY_CloseHandle", 1, Fault::Details, "ARXException: reason" + close,
-         all + ", Free details, CloseHandle S1"},
-        {"KRY_CloseHandle", 1, Fault::Status, "ARXException: " + close, all + ", CloseHandle S1"},
-        {"KRY_CloseHandle", 1, Fault::Exception, "raised", all + ", Free details, CloseHandle S1"},
-        {"KRY_CloseHandle", 2, Fault::Details, "",
-         all + ", PersistentInitialize two, CloseHandle S2, Free details"},
+    std::string const reason = "ARXException: reason" + thrown, none = "ARXException: no messages" + thrown;
+    std::string const open = "persistentInitialize - Error in KRY_PersistentInitialize";
+    std::string const set = "setInfo - Error in KRY_SetInfo",
+                      close = "closeHandle - Error in KRY_CloseHandle";
+    std::string const first = "PersistentInitialize one", second = first + ", SetInfo S1 info";
+    std::string const last = "GetLastErrorDetails S1", third = second + ", CloseHandle S1";
+    std::string const free = ", Free details", again = ", CloseHandle S1",
+                      next = ", PersistentInitialize two";
+    std::tuple<std::string, int, Fault, std::string, std::string> const rows[] = {
+        {"", 1, Fault::None, "", third + next + ", CloseHandle S2"},
+        {"PersistentInitialize", 1, Fault::Details, reason + open, first + free},
+        {"PersistentInitialize", 1, Fault::Status, none + open, first},
+        {"PersistentInitialize", 1, Fault::Exception, "raised", first + free},
+        {"PersistentInitialize", 2, Fault::Status, none + open, third + next},
+        {"SetInfo", 1, Fault::Status, reason + set, second + ", " + last + free + again},
+        {"CloseHandle", 1, Fault::Details, reason + close, third + free + again},
+        {"CloseHandle", 1, Fault::Status, none + close, third + again},
+        {"CloseHandle", 1, Fault::Exception, "raised", third + free + again},
+        {"CloseHandle", 2, Fault::Details, "", third + next + ", CloseHandle S2" + free},
     };
-    for (auto const& [function, call, fault, raised, story] : s_cases)
+    for (auto const& [function, call, fault, raised, story] : rows)
     {
         m_recorder.reset();
-        m_recorder.failCall(function, call, fault);
-        EXPECT_EQ(raised, joined(raisedBy(
-                              []
-                              {
-                                  ARXKRYHandle handle;
-                                  handle.persistentInitialize("one", nullptr);
-                                  handle.setInfo("info", nullptr);
-                                  handle.persistentInitialize("two", nullptr);
-                              })));
+        m_recorder.failCall("KRY_" + function, call, fault);
+        auto const use = []
+        {
+            ARXKRYHandle handle;
+            handle.closeHandle();
+            handle.persistentInitialize("one", nullptr);
+            handle.setInfo("info", nullptr);
+            handle.persistentInitialize("two", nullptr);
+        };
+        EXPECT_EQ(raised, joined(raisedBy(use)));
         EXPECT_EQ(story, m_recorder.takeStory());
         EXPECT_EQ(Lines(), m_recorder.problems());
     }
-}
-
-TEST_F(ARXKRYHandleTest, WithoutASessionNothingIsClosedAndWithoutDetailsThereIsNoMessage)
-{
-    ARXKRYHandle handle;
-    handle.closeHandle();
     m_recorder.failCall("KRY_SetInfo", 1, Fault::Status);
     m_recorder.failCall("KRY_CryptoGetLastErrorDetails", 1, Fault::Status);
-    EXPECT_EQ("ARXException: ", raisedBy([&] { handle.setInfo("info", nullptr); }).at(0));
+    EXPECT_EQ(none + set, joined(raisedBy([&] { m_full.setInfo("info", nullptr); })));
     EXPECT_EQ("SetInfo null info, GetLastErrorDetails null", m_recorder.takeStory());
 }
 
 TEST_F(ARXKRYHandleTest, BothKindsPassDataAndWriteTheSizeAlsoOnFailure)
 {
-    void* session = nullptr;
-    KRY_PersistentInitialize(&session, "cnfg", nullptr, nullptr);
-    NEBThreadCriticalSection lock(0);
-    ARXSimpleKRYHandle simple(session, lock);
-    ARXKRYHandle full;
-    full.persistentInitialize("cnfg", nullptr);
+    KRY_PersistentInitialize(&m_session, "cnfg", nullptr, nullptr);
+    m_full.persistentInitialize("cnfg", nullptr);
     m_recorder.takeCalls();
-    std::pair<ARXSimpleKRYHandleI*, std::string> const handles[] = {{&simple, "S1 "}, {&full, "S2 "}};
-    for (auto const& [handle, name] : handles)
+    for (ARXSimpleKRYHandleI* const handle : m_both)
         for (Fault const fault : {Fault::None, Fault::Status})
         {
             for (char const* function : {"KRY_ProtectData", "KRY_UnprotectData", "KRY_GetInfo"})
                 m_recorder.failCall(function, 1, fault);
-            char *data = nullptr, *plain = nullptr;
+            char *data = nullptr, *plain = nullptr, words[3][2] = {"a", "b", "c"};
             std::size_t size = 0, plainSize = 9;
-            char words[3][2] = {"a", "b", "c"};
             bool const good = fault == Fault::None;
             EXPECT_EQ(good, KRY_SUCCEEDED(handle->protectData("bytes", 2, &data, &size, nullptr)));
             EXPECT_EQ(good, KRY_SUCCEEDED(handle->unprotectData("bytes", 5, &plain, &plainSize, nullptr)));
@@ -87,27 +83,24 @@ TEST_F(ARXKRYHandleTest, BothKindsPassDataAndWriteTheSizeAlsoOnFailure)
             EXPECT_EQ("<by>plain", std::string(data, size) + std::string(plain, plainSize));
             handle->cryptoFree(data, nullptr);
             handle->cryptoFree(plain, nullptr);
+            std::string const name = handle == &m_full ? "S2 " : "S1 ";
             EXPECT_EQ("ProtectData " + name + "by, UnprotectData " + name + "bytes wanted 9, GetInfo " +
                           name + "a b c, Free data, Free data",
                       m_recorder.takeStory());
         }
-    KRY_CloseHandle(&session, nullptr, nullptr);
+    KRY_CloseHandle(&m_session, nullptr, nullptr);
+    m_full.closeHandle();
 }
 
 TEST_F(ARXKRYHandleTest, SizesBeyond32BitsReachNeitherTheLockNorTheInterface)
 {
-    std::size_t const tooMuch = std::size_t(UINT32_MAX) + 1;
-    void* session = nullptr;
-    NEBThreadCriticalSection lock(0);
-    NEBThreadGuard const guard(lock);
-    ARXSimpleKRYHandle simple(session, lock);
-    ARXKRYHandle full;
-    for (ARXSimpleKRYHandleI* handle : std::initializer_list<ARXSimpleKRYHandleI*>{&simple, &full})
+    NEBThreadGuard const guard(m_lock);
+    char* data = nullptr;
+    std::size_t size = std::size_t(UINT32_MAX) + 1;
+    for (ARXSimpleKRYHandleI* const handle : m_both)
     {
-        char* data = nullptr;
-        std::size_t size = tooMuch;
-        EXPECT_THROW(handle->protectData("", tooMuch, &data, &size, nullptr), NEBThrowable);
-        EXPECT_THROW(handle->unprotectData("", 0, &data, &size, nullptr), NEBThrowable);
+        EXPECT_THROW(handle->protectData("", size, &data, &size, nullptr), NEBException);
+        EXPECT_THROW(handle->unprotectData("", 0, &data, &size, nullptr), NEBException);
     }
     EXPECT_EQ("", m_recorder.takeStory());
 }

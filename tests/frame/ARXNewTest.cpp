@@ -1,8 +1,7 @@
 #include "frame/ARXNew.h"
 
 #include <new>
-#include <stdexcept>
-#include <utility>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -11,55 +10,38 @@
 
 namespace
 {
-int s_object = 0;
+int s_object = 0, s_before = 0;
 
-int* make(char const* failure)
+int* assertion()
 {
-    std::string const kind = failure;
-    if (kind == "bad_alloc")
-        throw std::bad_alloc();
-    if (kind == "std")
-        throw std::out_of_range("out of range");
-    if (kind == "foreign")
-        throw 7;
-    NEB_ASSERT(kind != "assertion");
-    return kind == "null" ? nullptr : &s_object;
-}
-
-int* guarded(char const* failure)
-{
-    int* target = nullptr;
-    NEB_NEW(target, make(failure));
-    return target;
+    NEB_ASSERT_NAMED(NULL == &s_object, "a \"text\"");
+    return nullptr;
 }
 }  // namespace
 
-TEST(NEBNew, TellsEachFailureInItsOwnWay)
+TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
 {
-    std::string const thrown = "tests/frame/ARXNewTest.cpp NEB_THROW";
-    std::string const passed = "tests/frame/ARXNewTest.cpp NEB_RETHROW";
-    std::pair<char const*, Lines> const s_failures[] = {
-        {"none", {}},
-        {"null", {"NEBOutOfMemoryError: ", thrown, passed}},
-        {"bad_alloc", {"NEBOutOfMemoryError: ", thrown}},
-        {"std", {"NEBStdExceptionError: out of range", thrown}},
-        {"assertion", {"NEBAssertError: NEB_ASSERT(kind != \"assertion\");", thrown, passed}},
+    std::string const thrown = " | tests/frame/ARXNewTest.cpp NEB_THROW";
+    std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW",
+                      noMemory = "NEBOutOfMemoryError: ";
+    std::string const text = "NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");";
+    std::tuple<int* (*)(), int*, std::string> const rows[] = {
+        {[] { return &s_object; }, &s_object, ""},
+        {[]() -> int* { return nullptr; }, nullptr, noMemory + thrown + passed},
+        {[]() -> int* { throw std::bad_alloc(); }, &s_before, noMemory + thrown},
+        {[]() -> int* { throw std::out_of_range("x"); }, &s_before, "NEBStdExceptionError: x" + thrown},
+        {assertion, &s_before, text + thrown + passed},
     };
-    for (auto const& [failure, raised] : s_failures)
-        EXPECT_EQ(raised, raisedBy([&name = failure] { guarded(name); })) << failure;
-    EXPECT_EQ(&s_object, guarded("none"));
-    EXPECT_THROW(guarded("foreign"), int);
-}
-
-TEST(NEBNew, LeavesTheTargetOfAFailedExpression)
-{
-    int* target = &s_object;
-    raisedBy([&] { NEB_NEW(target, make("std")); });
-    EXPECT_EQ(&s_object, target);
-}
-
-TEST(NEBAssert, SaysWhatTheSourceSays)
-{
-    EXPECT_EQ("NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");",
-              raisedBy([] { NEB_ASSERT_NAMED(NULL == &s_object, "a \"text\""); })[0]);
+    for (auto const& [make, left, raised] : rows)
+    {
+        int* target = &s_before;
+        EXPECT_EQ(raised, joined(raisedBy([&, &maker = make] { NEB_NEW(target, maker()); })));
+        EXPECT_EQ(left, target) << raised;
+    }
+    int* target = nullptr;
+    auto const foreign = [&]
+    {
+        NEB_NEW(target, []() -> int* { throw 7; }());
+    };
+    EXPECT_THROW(foreign(), int);
 }

@@ -1,174 +1,128 @@
 #include "support/CryptoRecorder.h"
 
-#include <algorithm>
-#include <stdexcept>
+#include <future>
 #include <thread>
-#include <utility>
 
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "NEBCFGAPI/NEBConfigurationFactory.h"
 #include "NEBCore/I18NInitialize.h"
 
+CryptoRecorder CryptoRecorder::s_instance;
+
 namespace
 {
+std::mutex s_lock;  // for what several threads may change
 CryptoRecorder& s_recorder = CryptoRecorder::get();
+CryptoRecorder::Session s_noSession{"null"};
 
-std::string textOf(char const* text)
+char* handOut(std::string const& bytes, char const* kind)
 {
-    return text ? text : "null";
+    std::lock_guard const guard(s_lock);
+    std::unique_ptr<char[]> memory(new char[bytes.size()]);
+    bytes.copy(memory.get(), bytes.size());
+    char* const start = memory.get();
+    s_recorder.m_memory[start] = {kind, std::move(memory)};
+    return start;
+}
+
+// Records a call and does what is planned for it. A call after which nothing is opened gives 1.
+std::int32_t answer(std::string const& function, std::string const& arguments, char** details = nullptr)
+{
+    std::unique_lock guard(s_lock);
+    s_recorder.m_calls.push_back(function + (arguments.empty() ? "" : " ") + arguments);
+    auto& [callsLeft, planned] = s_recorder.m_faults[function];
+    Fault const fault = --callsLeft == 0 ? std::exchange(planned, Fault::None) : Fault::None;
+    guard.unlock();
+    std::this_thread::yield();  // lets in whoever may come
+    if (details && (fault == Fault::Details || fault == Fault::Exception))
+        *details = handOut({"reason", 7}, "details");
+    if (fault == Fault::Exception)
+        throw std::runtime_error("raised");
+    return fault == Fault::None ? 0 : fault == Fault::NullSession ? 1 : -1;
+}
+
+CryptoRecorder::Session& sessionOf(void* token)
+{
+    return token ? *static_cast<CryptoRecorder::Session*>(token) : s_noSession;
+}
+
+// The same for a call on a session, null included, on which no other may run meanwhile.
+std::int32_t answerOn(void* token, std::string const& function, std::string const& arguments,
+                      char** details = nullptr)
+{
+    CryptoRecorder::Session& session = sessionOf(token);
+    std::unique_lock const use(session.m_use, std::try_to_lock);
+    EXPECT_TRUE(use.owns_lock()) << "two calls at once: " << session.m_name;
+    EXPECT_FALSE(session.m_closed) << "used behind its end: " << session.m_name;
+    if (s_recorder.m_duringProtect && function == "KRY_ProtectData")
+        s_recorder.m_duringProtect();
+    return answer(function, session.m_name + arguments, details);
 }
 }  // namespace
 
-CryptoRecorder& CryptoRecorder::get()
-{
-    static CryptoRecorder s_recorder;
-    return s_recorder;
-}
-
-void CryptoRecorder::reset()
-{
-    std::lock_guard const guard(m_lock);
-    for (auto const& memory : m_memory)
-        delete[] static_cast<char*>(memory.first);
-    m_memory.clear(), m_sessions.clear(), m_settings.clear();
-    m_calls.clear(), m_problems.clear(), m_counts.clear();
-    m_faults.clear(), m_duringProtect = nullptr;
-}
-
-void CryptoRecorder::failCall(std::string const& function, int call, Fault fault)
-{
-    m_faults[function] = {call, fault};
-    m_counts[function] = 0;
-}
-
-std::vector<std::string> CryptoRecorder::takeCalls()
-{
-    std::lock_guard const guard(m_lock);
-    return std::exchange(m_calls, {});
-}
-
 std::string CryptoRecorder::takeStory()
 {
-    std::string story;
-    for (std::string const& call : takeCalls())
-    {
-        std::size_t const prefix = call.rfind("KRY_Crypto", 0) == 0 ? 10 : call.rfind("KRY_", 0) == 0 ? 4 : 0;
-        story += (story.empty() ? "" : ", ") + call.substr(prefix);
-    }
+    std::string story = joined(takeCalls(), ", ");
+    for (std::string const prefix : {"KRY_Crypto", "KRY_"})
+        for (std::size_t at; (at = story.find(prefix)) != std::string::npos;)
+            story.erase(at, prefix.size());
     return story;
 }
 
-std::vector<std::string> CryptoRecorder::problems()
+Lines CryptoRecorder::problems() const
 {
-    std::lock_guard const guard(m_lock);
-    std::vector<std::string> problems = m_problems;
+    Lines problems;
     for (auto const& memory : m_memory)
-        problems.push_back("not freed: " + memory.second);
-    for (auto const& session : m_sessions)
-        if (!session->m_closeAsked)
-            problems.push_back("not closed: " + session->m_name);
+        problems.push_back("not freed: " + memory.second.first);
+    for (Session const& session : m_sessions)
+        if (!session.m_closeAsked)
+            problems.push_back("not closed: " + session.m_name);
     return problems;
 }
 
-Fault CryptoRecorder::record(std::string const& function, std::string const& arguments)
+void RecordedTest::onThreads(std::function<void(int)> const& call)
 {
-    std::lock_guard const guard(m_lock);
-    m_calls.push_back(arguments.empty() ? function : function + " " + arguments);
-    int const count = ++m_counts[function];
-    auto const fault = m_faults.find(function);
-    if (fault == m_faults.end() || fault->second.first != count)
-        return Fault::None;
-    return std::exchange(fault->second.second, Fault::None);
-}
-
-std::int32_t CryptoRecorder::answer(Fault fault, char** details)
-{
-    if (details && (fault == Fault::Details || fault == Fault::Exception))
-        *details = handOut(std::string("reason") + '\0', "details");
-    if (fault == Fault::Exception)
-        throw std::runtime_error("raised");
-    return fault == Fault::Details || fault == Fault::Status ? -1 : 0;
-}
-
-CryptoRecorder::Session* CryptoRecorder::open()
-{
-    std::lock_guard const guard(m_lock);
-    m_sessions.push_back(std::make_unique<Session>());
-    m_sessions.back()->m_name = "S" + std::to_string(m_sessions.size());
-    return m_sessions.back().get();
-}
-
-std::string CryptoRecorder::use(void* session)
-{
-    std::lock_guard const guard(m_lock);
-    auto const known = std::find_if(m_sessions.begin(), m_sessions.end(),
-                                    [session](auto const& candidate) { return candidate.get() == session; });
-    if (known == m_sessions.end())
-        return session ? "unknown" : "null";
-    if ((*known)->m_closed)
-        m_problems.push_back("used behind its end: " + (*known)->m_name);
-    return (*known)->m_name;
-}
-
-char* CryptoRecorder::handOut(std::string const& bytes, char const* kind)
-{
-    std::lock_guard const guard(m_lock);
-    char* const memory = new char[bytes.size()];
-    std::copy(bytes.begin(), bytes.end(), memory);
-    m_memory[memory] = kind;
-    return memory;
-}
-
-std::string CryptoRecorder::takeBack(void* memory)
-{
-    std::lock_guard const guard(m_lock);
-    auto const known = m_memory.extract(memory);
-    if (known)
-        delete[] static_cast<char*>(memory);
-    else if (memory)
-        m_problems.push_back("freed, but not handed out");
-    return known ? known.mapped() : "null";
-}
-
-void CryptoRecorder::complain(std::string const& problem)
-{
-    std::lock_guard const guard(m_lock);
-    m_problems.push_back(problem);
+    std::vector<std::future<void>> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.push_back(std::async(std::launch::async, call, i));
+    for (std::future<void>& thread : threads)
+        thread.get();
 }
 
 std::int32_t KRY_CryptoInitialize(char const* document, void*, char** details)
 {
-    return s_recorder.answer(s_recorder.record("KRY_CryptoInitialize", document), details);
+    return answer("KRY_CryptoInitialize", document, details);
 }
 
 std::int32_t KRY_CryptoTerminate(char const* document, void*, char** details)
 {
-    return s_recorder.answer(s_recorder.record("KRY_CryptoTerminate", document), details);
+    return answer("KRY_CryptoTerminate", document, details);
 }
 
 std::int32_t KRY_PersistentInitialize(void** session, char const* document, void*, char** details)
 {
-    Fault const fault = s_recorder.record("KRY_PersistentInitialize", textOf(document));
-    std::this_thread::yield();  // lets in whoever may come
-    if (fault == Fault::None)
-        *session = s_recorder.open();
-    return s_recorder.answer(fault, details);
+    std::int32_t const status = answer("KRY_PersistentInitialize", document, details);
+    std::lock_guard const guard(s_lock);
+    if (status == 0)
+        *session =
+            &s_recorder.m_sessions.emplace_back("S" + std::to_string(s_recorder.m_sessions.size() + 1));
+    return status;
 }
 
 std::int32_t KRY_SetInfo(void* session, char const* document, void*)
 {
-    Fault const fault = s_recorder.record("KRY_SetInfo", s_recorder.use(session) + " " + textOf(document));
-    if (fault == Fault::None && session)
-        static_cast<CryptoRecorder::Session*>(session)->m_infoDoc = textOf(document);
-    return s_recorder.answer(fault, nullptr);
+    std::int32_t const status = answerOn(session, "KRY_SetInfo", std::string(" ") + document);
+    if (status == 0)
+        sessionOf(session).m_infoDoc = document;
+    return status;
 }
 
 std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third)
 {
-    auto const name = [](void* argument) { return " " + textOf(static_cast<char const*>(argument)); };
-    return s_recorder.answer(
-        s_recorder.record("KRY_GetInfo", s_recorder.use(session) + name(first) + name(second) + name(third)),
-        nullptr);
+    std::string words;
+    for (void* const word : {first, second, third})
+        words += std::string(" ") + (word ? static_cast<char const*>(word) : "null");
+    return answerOn(session, "KRY_GetInfo", words);
 }
 
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
@@ -176,75 +130,67 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
 {
     // A large piece is not looked at: it may be a mapping without pages behind it.
     std::string const bytes = size > 0xFFFFFF ? std::to_string(size) + " bytes" : std::string(data, size);
-    Fault const fault = s_recorder.record("KRY_ProtectData", s_recorder.use(session) + " " + bytes);
-    auto* const known = static_cast<CryptoRecorder::Session*>(session);
-    if (known && known->m_busy.exchange(true))
-        s_recorder.complain("two calls at once: " + known->m_name);
-    if (s_recorder.m_duringProtect)
-        s_recorder.m_duringProtect();
-    std::this_thread::yield();
-    if (known)
-        known->m_busy = false;
-
-    std::int32_t const status = s_recorder.answer(fault, nullptr);
+    std::int32_t const status = answerOn(session, "KRY_ProtectData", " " + bytes);
     // Something comes back on failure too, so that nobody gets away with looking at the status first.
-    if (known && known->m_infoDoc.find("file") == std::string::npos)
-        *outData = s_recorder.handOut("<" + bytes + ">", "data"), *outSize = size + 2;
+    if (sessionOf(session).m_infoDoc.find("file") == std::string::npos)
+        *outData = handOut("<" + bytes + ">", "data"), *outSize = size + 2;
     return status;
 }
 
 std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
                                std::uint32_t* outSize, void*)
 {
-    Fault const fault =
-        s_recorder.record("KRY_UnprotectData", s_recorder.use(session) + " " + std::string(data, size) +
-                                                   " wanted " + std::to_string(*outSize));
-    *outData = s_recorder.handOut("plain", "data"), *outSize = 5;
-    return s_recorder.answer(fault, nullptr);
+    std::string const words = " " + std::string(data, size) + " wanted " + std::to_string(*outSize);
+    std::int32_t const status = answerOn(session, "KRY_UnprotectData", words);
+    *outData = handOut("plain", "data"), *outSize = 5;
+    return status;
 }
 
 std::int32_t KRY_CloseHandle(void** session, void*, char** details)
 {
-    Fault const fault = s_recorder.record("KRY_CloseHandle", s_recorder.use(*session));
-    auto* const known = static_cast<CryptoRecorder::Session*>(*session);
-    known->m_closeAsked = true;
-    known->m_closed = fault == Fault::None;
-    return s_recorder.answer(fault, details);
+    sessionOf(*session).m_closeAsked = true;
+    std::int32_t const status = answerOn(*session, "KRY_CloseHandle", "", details);
+    sessionOf(*session).m_closed = status == 0;
+    return status;
 }
 
 std::int32_t KRY_CryptoFree(void* memory, void*)
 {
-    return s_recorder.answer(s_recorder.record("KRY_CryptoFree", s_recorder.takeBack(memory)), nullptr);
+    std::unique_lock guard(s_lock);
+    auto const known = s_recorder.m_memory.extract(memory);
+    guard.unlock();
+    EXPECT_TRUE(known || !memory) << "freed, but not handed out";
+    return answer("KRY_CryptoFree", known ? known.mapped().first : "null");
 }
 
 std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
 {
-    Fault const fault = s_recorder.record("KRY_CryptoGetLastErrorDetails", s_recorder.use(session));
-    return s_recorder.answer(fault == Fault::None ? Fault::Details : fault, details);
+    std::int32_t const status = answerOn(session, "KRY_CryptoGetLastErrorDetails", "", details);
+    if (status == 0)
+        *details = handOut({"reason", 7}, "details");
+    return status;
 }
 
 std::int32_t I18NInitialize()
 {
-    s_recorder.record("I18NInitialize", "");
-    return 0;
+    return answer("I18NInitialize", "");
 }
 
 void I18NTerminate()
 {
-    s_recorder.record("I18NTerminate", "");
+    answer("I18NTerminate", "");
 }
 
 INEBConfiguration& NEBConfigurationFactory::getInstance()
 {
-    class Configuration final : public INEBConfiguration
+    static class final : public INEBConfiguration
     {
         I18NString getConfigurationValue(I18NString const& key, void*) override
         {
-            s_recorder.record("configuration", key.c_str());
-            auto const known = s_recorder.m_settings.find(key.c_str());
-            return known == s_recorder.m_settings.end() ? "" : known->second.c_str();
+            answer("configuration", key.c_str());
+            auto const setting = s_recorder.m_settings.find(key.c_str());
+            return setting == s_recorder.m_settings.end() ? "" : setting->second.c_str();
         }
-    };
-    static Configuration s_configuration;
+    } s_configuration;
     return s_configuration;
 }

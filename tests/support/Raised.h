@@ -3,32 +3,31 @@
 #ifndef ARXIUM_TESTS_SUPPORT_RAISED_H
 #define ARXIUM_TESTS_SUPPORT_RAISED_H
 
-#include <exception>
 #include <string>
 #include <vector>
 
-#include "NEBCore/NEBThrowable.h"
+#include "NEBCore/NEBException.h"
 
 using Lines = std::vector<std::string>;
 
-// "NAME: MESSAGE", then each entry of the back trace: "FILE MACRO" and its text if it has one.
+// "NAME: MESSAGE", or "NAME: no messages" of an empty set, then each entry of the back trace: "FILE MACRO"
+// and its text if it has one.
 inline Lines describe(NEBThrowable const& error)
 {
-    Lines lines{std::string(error.getThrowableName()) + ": " + error.getMessage()};
+    auto const* const set = dynamic_cast<NEBMessageSet const*>(&error);
+    std::string const message = set && set->getMessages().empty() ? "no messages" : error.getMessage();
+    Lines lines{error.getThrowableName() + (": " + message)};
     for (NEBBackTraceEntry const* entry : error.getBackTrace())
-    {
-        lines.push_back(std::string(entry->getLocation().m_file) + " " + entry->getMacro());
-        if (entry->getText())
-            lines.back() += std::string(" ") + entry->getText();
-    }
+        lines.push_back(std::string(entry->getLocation().m_file) + " " + entry->getMacro() +
+                        (entry->getText() ? std::string(" ") + entry->getText() : ""));
     return lines;
 }
 
-inline std::string joined(Lines const& lines)
+inline std::string joined(Lines const& lines, char const* separator = " | ")
 {
     std::string text;
     for (std::string const& line : lines)
-        text += (text.empty() ? "" : " | ") + line;
+        text += (text.empty() ? "" : separator) + line;
     return text;
 }
 
@@ -38,6 +37,7 @@ Lines raisedBy(Call const& call)
     try
     {
         call();
+        return {};
     }
     catch (NEBThrowable const& error)
     {
@@ -47,7 +47,6 @@ Lines raisedBy(Call const& call)
     {
         return {error.what()};
     }
-    return {};
 }
 
 #endif
