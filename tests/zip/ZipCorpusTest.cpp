@@ -1,10 +1,6 @@
 #include <sstream>
 
-#include <gtest/gtest.h>
-
 #include "path/ARXFmDir.h"
-#include "zip/ARXUnzipFile.h"
-#include "zip/ARXZipInputStream.h"
 #include "zip/ZipTools.h"
 
 namespace
