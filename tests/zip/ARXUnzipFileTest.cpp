@@ -141,14 +141,4 @@ TEST_F(ARXUnzipFileTest, ADescriptionHoldsTheNumbersAndCutsTheComment)
         EXPECT_FALSE(info.isFolder);  // DOS marks it so, but it has contents
     }
 }
-
-TEST_F(ARXUnzipFileTest, TheWalkReachesBeyondACountOf16Bits)
-{
-    makeArchive(Names(70000, "n"));
-    ARXUnzipFile archive("out.zip");
-    int count = 1;
-    while (archive.gotoNextFile())
-        ++count;
-    EXPECT_EQ(70000, count);
-}
 }  // namespace

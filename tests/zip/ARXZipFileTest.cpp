@@ -28,7 +28,7 @@ struct ARXZipFileTest : ZipTest
     ARXZipFile m_archive;
 };
 
-// Closed, archive open, entry open.
+// What the object shows of its state: closed, archive open, entry open. The question ends it.
 enum State
 {
     C,
@@ -36,12 +36,10 @@ enum State
     E
 };
 
-// What the object shows of its state; the question ends it.
 State stateOf(Zip archive)
 {
-    if (failureOf([&] { write(archive, "x"); }) == "none")
-        return E;
-    return failureOf([&] { open(archive, "new"); }) == "none" ? A : C;
+    bool const isEntry = failureOf([&] { write(archive, "x"); }) == "none";
+    return isEntry ? E : failureOf([&] { open(archive, "new"); }) == "none" ? A : C;
 }
 
 #define NAME_NULL "NEB_ASSERT(fileName != NULL);"
