@@ -18,19 +18,18 @@ void play(Stream& stream, std::string const& steps)
 {
     auto const fail = [](char const* function)
     { CryptoRecorder::get().failCall(function, 1, Fault::Details); };
-    std::map<char, std::function<void()>> const calls = {
-        {'o', [&] { stream.open("/dev/null"); }},
-        {'m', [&] { stream.open("/dev/null/x"); }},
-        {'n', [&] { stream.open(nullptr); }},
-        {'e', [&] { stream.open(""); }},
-        {'w', [&] { stream.write("a", 1); }},
-        {'z', [&] { stream.write("", 0); }},
-        {'c', [&] { stream.flush(), stream.close(); }},
-        {'d', [&] { stream.getCipherDocInfo(); }},
-        {'s', [&] { stream.getNonSecureStream(); }},
-        {'!', [&] { fail("KRY_PersistentInitialize"); }},
-        {'?', [&] { fail("KRY_SetInfo"); }},
-        {'%', [&] { fail("KRY_ProtectData"); }}};
+    std::map<char, std::function<void()>> const calls = {{'o', [&] { stream.open("/dev/null"); }},
+                                                         {'m', [&] { stream.open("/dev/null/x"); }},
+                                                         {'n', [&] { stream.open(nullptr); }},
+                                                         {'e', [&] { stream.open(""); }},
+                                                         {'w', [&] { stream.write("a", 1); }},
+                                                         {'z', [&] { stream.write("", 0); }},
+                                                         {'c', [&] { stream.flush(), stream.close(); }},
+                                                         {'d', [&] { stream.getCipherDocInfo(); }},
+                                                         {'s', [&] { stream.getNonSecureStream(); }},
+                                                         {'!', [&] { fail("KRY_PersistentInitialize"); }},
+                                                         {'?', [&] { fail("KRY_SetInfo"); }},
+                                                         {'%', [&] { fail("KRY_ProtectData"); }}};
     for (char const step : steps)
         if (step >= '0' && step <= '9')
             stream.setSecureType(static_cast<Stream::secureTypeEnum>(step - '0'));
