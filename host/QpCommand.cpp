@@ -17,7 +17,8 @@ public:
     }
     void flush() override
     {
-        if (std::fflush(stdout) != 0)
+        // The filter drops what its last line raises; the stream remembers that it failed.
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
             systemFailed(NEB_HERE, "Standard output can't be written");
     }
 };

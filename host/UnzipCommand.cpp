@@ -20,6 +20,7 @@ class ListedArchive : public ARXUnzipFile
 public:
     using ARXUnzipFile::ARXUnzipFile;
 
+    // One for each entry; the count that the archive itself tells may be cut to 16 bits.
     std::vector<std::uint64_t> readSizes()
     {
         std::vector<std::uint64_t> sizes;
@@ -33,19 +34,19 @@ public:
 int unzip(UnzipOptions const& options)
 {
     ListedArchive archive(options.m_archive.c_str());
-    int const count = archive.getFileCount();
-    if (count == 0)
+    if (archive.getFileCount() == 0)
         failed(NEB_HERE, options.m_archive + ": no archive, or one without entries");
+    std::vector<std::uint64_t> const sizes = archive.readSizes();
 
     bool extracted = false;
     {
-        Progress const progress(archive.readSizes(), Progress::Watch::bytesWritten);
+        Progress const progress(sizes, Progress::Watch::bytesWritten);
         extracted = archive.unzip(options.m_ignorePath,
                                   options.m_folder.empty() ? nullptr : options.m_folder.c_str());
     }
     if (!extracted)
         failed(NEB_HERE, options.m_archive + ": an entry can't be extracted");
-    std::cout << count << " entries\n";
+    std::cout << sizes.size() << " entries\n";
     return 0;
 }
 }  // namespace

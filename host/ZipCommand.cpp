@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
@@ -26,14 +27,15 @@ std::string resolved(std::string path)
     return path;
 }
 
-// Removes an archive that was begun and not finished.
+// Removes an archive that was begun and not finished; a device that was given as the archive stays.
 class Unfinished
 {
 public:
     explicit Unfinished(std::string const& archive) : m_archive(archive) {}
     ~Unfinished()
     {
-        if (!m_finished)
+        std::error_code ignored;
+        if (!m_finished && std::filesystem::is_regular_file(m_archive, ignored))
             std::remove(m_archive.c_str());
     }
     Unfinished(Unfinished const&) = delete;

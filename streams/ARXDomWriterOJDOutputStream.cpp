@@ -25,5 +25,5 @@ void ARXDomWriterOJDOutputStream::write(char const* data, int size)
 
 void ARXDomWriterOJDOutputStream::endline()
 {
-    m_pStream->write("\n", 1);
+    m_pStream->write("\n", 1);  // what ends a line in the target is for the target to say
 }

@@ -13,9 +13,9 @@
 
 namespace
 {
-int constexpr s_fileEncryptionSetting = 1;
-int constexpr s_fileEncryptionOn = 2;
-std::size_t constexpr s_largestChunk = UINT32_MAX;
+int constexpr s_fileEncryptionSetting = 1;          // resources: the name of the setting
+int constexpr s_fileEncryptionOn = 2;               // and its value that turns encryption on
+std::size_t constexpr s_largestChunk = UINT32_MAX;  // the crypto interface takes sizes of 32 bits
 }  // namespace
 
 char const* const ARXOJDSecureFileOutputStream::s_xmlSessionCfgDoc =
@@ -46,6 +46,7 @@ void ARXOJDSecureFileOutputStream::open(char const* filename)
 {
     NEB_ASSERT_NAMED(filename && *filename, "AROJDSecureFileOutputStream::open() - Required file name parameter was not specified.");
     NEB_ASSERT_NAMED(!m_secureCrypto && !m_pNonSecureStream, "AROJDSecureFileOutputStream::open() - Stream already open.");
+    // Stored, so that a later open does not ask the configuration again.
     if (m_secureType == secureTypeFromConfiguration)
         m_secureType = isConfigurationEncryptionSet() ? secureTypeEncrypted : secureTypePlain;
 
@@ -55,12 +56,8 @@ void ARXOJDSecureFileOutputStream::open(char const* filename)
         openEncrypted(filename);
         break;
     case secureTypePlain:
-    {
-        OJDFileOutputStream* stream = nullptr;
-        NEB_NEW(stream, new OJDFileOutputStream(filename, 0));
-        m_pNonSecureStream.reset(stream);
+        NEB_NEW(m_pNonSecureStream, std::make_unique<OJDFileOutputStream>(filename, 0));
         break;
-    }
     default:
         NEB_ASSERT_NAMED(false, "Unkown secure stream type for AROJDSecureFileOutputStream::open()");
     }
@@ -112,14 +109,15 @@ void ARXOJDSecureFileOutputStream::openEncrypted(char const* filename)
 {
     NEB_ASSERT(filename && *filename);
     initKRYHandle();
-    std::string* document = nullptr;
-    NEB_NEW(document,
-            new std::string(std::string("<setInfoDocument><action>CipherStream</action><fileOutput>") +
-                            filename + "</fileOutput></setInfoDocument>"));
-    m_pCipherDocInfo.reset(document);  // only now, since filename may lie in the document before
+    // The document before goes when the new one stands: filename may lie in it.
+    NEB_NEW(m_pCipherDocInfo, std::make_unique<std::string>(
+                                  std::string("<setInfoDocument><action>CipherStream</action><fileOutput>") +
+                                  filename + "</fileOutput></setInfoDocument>"));
     setKRYInfo(m_pCipherDocInfo->c_str());
 }
 
+// A refused set-up leaves m_secureCrypto as well: the destructor gives it back, and until then the stream
+// counts as open.
 void ARXOJDSecureFileOutputStream::initKRYHandle()
 {
     NEB_ASSERT(!m_secureCrypto);
@@ -140,7 +138,7 @@ void ARXOJDSecureFileOutputStream::closeKRYFile()
     char* outData = nullptr;
     std::size_t outSize = 0;
     std::int32_t const status = m_secureCrypto->protectData("", 0, &outData, &outSize, nullptr);
-    NEB_ASSERT(KRY_SUCCEEDED( status ));
+    NEB_ASSERT(KRY_SUCCEEDED( status ));  // the blanks belong to the text
     ARXKRYHandleFactory::destroyHandle(m_secureCrypto);
     m_secureCrypto = nullptr;
 }

@@ -1,5 +1,6 @@
 #include "zip/ARXUnzipFile.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <utility>
@@ -83,8 +84,8 @@ bool ARXUnzipFile::openZip(char const* zipPath)
 
     std::string resolved = zipPath;
     NEBFmDir::resolveEffectivePath(resolved);
-    std::string
-        folder;  // ready before the archive is open: nothing behind unzOpen may raise and lose the handle
+    // Ready before the archive is open: nothing behind unzOpen may raise and lose the handle.
+    std::string folder;
     NEBFmDir::splitPath(resolved, &folder, nullptr);
     m_uzFile = unzOpen(resolved.c_str());
     if (!m_uzFile)
@@ -98,7 +99,7 @@ bool ARXUnzipFile::closeZip()
     m_zipFolder.clear();
     if (!m_uzFile)
         return true;
-    unzCloseCurrentFile(m_uzFile);
+    unzCloseCurrentFile(m_uzFile);  // an error of the entry is none of the archive
     return unzClose(std::exchange(m_uzFile, nullptr)) == UNZ_OK;
 }
 
@@ -125,7 +126,7 @@ bool ARXUnzipFile::getFileInfo(UZ_FileInfo& info)
     if (!m_uzFile)
         return false;
     info = UZ_FileInfo{};
-    unz_file_info local{};
+    unz_file_info local{};  // minizip crashes without one
     int const result = unzGetCurrentFileInfo(m_uzFile, &local, info.szFileName, sizeof info.szFileName,
                                              nullptr, 0, info.szComment, sizeof info.szComment);
     // minizip terminates only what is shorter than the field.
@@ -151,6 +152,7 @@ bool ARXUnzipFile::unzip(bool ignorePath, char const* szFolder)
     if (getFileCount() == 0 || !gotoFirstFile())
         return false;
 
+    // The end of the list and an error look alike in gotoNextFile, so both count as the end.
     do
     {
         if (!unzipFile(szFolder, ignorePath))
@@ -174,6 +176,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
         return false;
 
     std::string name = info.szFileName;
+    // A folder is made with its path even so: its last element alone would mean nothing.
     if (ignorePath && !info.isFolder)
         NEBFmDir::splitPath(name, nullptr, &name);
     if (leadsOutside(name))
@@ -187,6 +190,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
     return NEBFmDir::createRecursiveDir(directory) != 0 && extractTo(target, info);
 }
 
+// What an entry that can't be opened, or not to its end, leaves behind stays: its file without its date.
 bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 {
     NEBFmFile file;
@@ -197,12 +201,13 @@ bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 
     bool const isComplete = copyEntry(m_uzFile, file);
     file.close();
-    unzCloseCurrentFile(m_uzFile);
+    unzCloseCurrentFile(m_uzFile);  // tells a wrong checksum, which does not change the outcome
     if (isComplete)
-        setFileModTime(target.c_str(), info.dosDate);
+        setFileModTime(target.c_str(), info.dosDate);  // a file without its date is extracted all the same
     return isComplete;
 }
 
+// The date as local time; the last access, which the extraction has not changed, is written back as it was.
 bool ARXUnzipFile::setFileModTime(char const* path, unsigned int dosDate)
 {
     HANDLE const file =

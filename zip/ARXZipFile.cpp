@@ -43,6 +43,7 @@ std::tm toLocalTime(std::time_t time)
     return local;
 }
 
+// The month stays counted from 0 and the year from 1900: minizip takes both so.
 zip_fileinfo makeFileInfo(std::tm const& local)
 {
     zip_fileinfo info{};
@@ -96,8 +97,9 @@ void ARXZipFile::create(I18NString const& fileName)
 void ARXZipFile::addFile(char const* fileName, char const* baseDir)
 {
     NEB_ASSERT(fileName);
-    bool const exists = NEBFmDir::exists(fileName, s_regularFile) != 0;
+    bool const exists = NEBFmDir::exists(fileName, s_regularFile) != 0;  // named for the assertion's text
     NEB_ASSERT(exists);
+    // Before the first create the name is empty and part of every path, so that nothing is added.
     if (std::strstr(fileName, m_zipFileName.c_str()))
         return;
 
@@ -129,6 +131,7 @@ void ARXZipFile::addFile(I18NString const& fileName, I18NString const& baseDir)
 void ARXZipFile::addDirectory(char const* dirName, char const* baseDir, bool recursive, bool resolvePaths)
 {
     NEB_ASSERT(dirName);
+    // Before the paths are resolved, so that both come out alike.
     if (!baseDir)
         return addDirectory(dirName, dirName, recursive, resolvePaths);
     if (resolvePaths)
@@ -165,7 +168,7 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
     NEB_ASSERT(fileName != NULL);
     NEB_ASSERT(m_zipFile != NULL);
     if (m_fileOpen)
-        closeFileInZip();
+        closeFileInZip();  // before the last check, which therefore finds no entry open when it fails
     NEB_ASSERT(0 < strlen(fileName));
 
     char const* const commentText = comment ? comment->c_str(nullptr, nullptr, nullptr, nullptr) : nullptr;
@@ -199,7 +202,7 @@ void ARXZipFile::closeFileInZip()
     if (!m_fileOpen)
         raiseWithText(NEB_HERE, {"No file currently open in zip file."}, "ARXZipFile::closeFileInZip");
 
-    zipCloseFileInZip(m_zipFile);
+    zipCloseFileInZip(m_zipFile);  // finished for minizip also where it reports an error
     m_fileOpen = false;
 }
 
@@ -209,6 +212,6 @@ void ARXZipFile::close()
         closeFileInZip();
     if (!m_zipFile)
         return;
-    zipClose(m_zipFile, nullptr);
+    zipClose(m_zipFile, nullptr);  // frees the handle also where it reports an error
     m_zipFile = nullptr;
 }

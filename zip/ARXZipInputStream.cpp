@@ -6,6 +6,7 @@
 #include "zip/ARXZipInputStreamFromFile.h"
 #include "zip/ARXZipInputStreamFromFileHandle.h"
 
+// A failure gains an entry in its back trace at each level that it passes, this one included.
 ARXZipInputStream::ARXZipInputStream(char const* path)
 {
     NEB_NEW(m_pStream, std::make_unique<ARXZipInputStreamFromFile>(path));

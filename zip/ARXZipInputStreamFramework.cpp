@@ -11,7 +11,7 @@
 namespace
 {
 std::size_t constexpr s_nameBufferSize = 259;
-std::size_t constexpr s_largestRead = 2147483647;
+std::size_t constexpr s_largestRead = 2147483647;  // minizip answers with an int
 
 // minizip's result. It needs a record to fill, and terminates only a name that is shorter than the buffer.
 int readCurrentFileInfo(unzFile zipFile, unz_file_info& info, char* szFileName, uLong fileNameBufferSize)
@@ -34,6 +34,7 @@ bool readCurrentName(unzFile zipFile, char (&name)[s_nameBufferSize])
 ARXZipInputStreamFramework::ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs)
     : m_zipFile(nullptr), m_entryOpen(false), m_pFileFuncs(fileFuncs)
 {
+    // No path: the table alone knows where the bytes are.
     m_zipFile = unzOpen2(nullptr, m_pFileFuncs);
     NEB_ASSERT_NAMED(m_zipFile, "Unable to open zip file.");
 }
@@ -55,6 +56,7 @@ std::size_t ARXZipInputStreamFramework::read()
     return read(&byte, 1) == 1 ? static_cast<unsigned char>(byte) : s_end;
 }
 
+// An error and the end of the entry look alike: a short count, and all ones where nothing came.
 std::size_t ARXZipInputStreamFramework::read(char* buf, std::size_t n)
 {
     NEB_ASSERT(buf);
@@ -104,6 +106,7 @@ bool ARXZipInputStreamFramework::getNextEntry()
     return m_zipFile && unzGoToNextFile(m_zipFile) == UNZ_OK;
 }
 
+// Not minizip's own search, which knows neither "\" nor the end of a name that fills its buffer.
 bool ARXZipInputStreamFramework::locate(char const* name)
 {
     NEB_ASSERT_NAMED(name, "[ARZipInputStreamFramwork::locateFile] Path cannot be null.");
@@ -145,6 +148,7 @@ bool ARXZipInputStreamFramework::openCurrentEntry()
         unzCloseCurrentFile(m_zipFile);
     m_entryOpen = false;
 
+    // Asked for its numbers only; without a buffer no name is too long.
     unz_file_info info{};
     m_entryOpen = unzGetCurrentFileInfo(m_zipFile, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK &&
                   openReadableEntry(m_zipFile, entryNumber(info.flag), entryNumber(info.compression_method));

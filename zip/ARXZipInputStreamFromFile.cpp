@@ -7,6 +7,7 @@ ARXZipInputStreamFromFile::ARXZipInputStreamFromFile(char const* path)
     : m_fileHandle(path ? std::fopen(path, "rb") : nullptr)
 {
     NEB_ASSERT_NAMED(m_fileHandle, "Unable to open file");
+    // The destructor does not run for an object whose constructor fails.
     try
     {
         NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFromFileHandle>(m_fileHandle));

@@ -71,6 +71,7 @@ int closeBuffer(voidpf, voidpf)
     return 0;
 }
 
+// Memory has no errors.
 int hasError(voidpf, voidpf)
 {
     return 0;

@@ -52,6 +52,7 @@ long seekFile(voidpf, voidpf stream, uLong offset, int origin)
     return std::fseek(fileOf(stream), static_cast<long>(offset), origins[origin]) == 0 ? 0 : -1;
 }
 
+// Whoever opened the file closes it.
 int closeFile(voidpf, voidpf)
 {
     return 0;

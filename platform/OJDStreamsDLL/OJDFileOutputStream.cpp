@@ -33,7 +33,7 @@ OJDFileOutputStream::OJDFileOutputStream(char const* filename, int)
 {
     if (!filename)
         return;
-    m_buffer.reserve(s_bufferSize);
+    m_buffer.reserve(s_bufferSize);  // so that no write lacks memory later
     m_descriptor = openForWriting(filename);
     if (m_descriptor < 0)
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::open");
@@ -55,6 +55,7 @@ void OJDFileOutputStream::write(char const* data, std::size_t size)
 {
     if (m_descriptor < 0)
         refuse(NEB_HERE, m_name, "no file is open", "OJDFileOutputStream::write");
+    // What fits is held back; a large piece goes to the system in one call, without a copy.
     if (size > s_bufferSize - m_buffer.pcount())
         OJDFileOutputStream::flush();
 

@@ -15,7 +15,7 @@ class __attribute__((visibility("default"))) OJDFileOutputStream : public OJDOut
 {
 public:
     // Creates or truncates the file, with mode 0666 less the umask. A null name opens nothing. The second
-    // argument is reserved and 0. Without memory std::bad_alloc leaves.
+    // argument is reserved and 0. Lack of memory leaves as std::bad_alloc or NEBOutOfMemoryError.
     OJDFileOutputStream(char const* filename, int);
     // Flushes and closes; what fails is lost here, so call close to learn of it.
     ~OJDFileOutputStream() override;

@@ -45,6 +45,7 @@ std::size_t OJDInputStream::readFully(NEBByteBuffer& buf, std::size_t n)
     return repeat(n, [&](std::size_t, std::size_t missing) { return read(buf, missing); });
 }
 
+// A stream that waits for nothing can neither time out nor be cancelled.
 int OJDInputStream::canTimeout() const
 {
     return 0;

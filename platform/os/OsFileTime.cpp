@@ -36,6 +36,7 @@ bool isEqual(FILETIME const& a, FILETIME const& b)
     return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
 }
 
+// A handle is the descriptor itself, so that none has to be allocated.
 int descriptorOf(HANDLE file)
 {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
@@ -90,6 +91,7 @@ BOOL SetFileTime(HANDLE file, FILETIME const*, FILETIME const* lastAccess, FILET
     FILETIME current;
     if (GetFileTime(file, nullptr, &current, nullptr) == 0)
         return 0;
+    // A FILETIME is coarser than the file's own time, and writing it back would cut that.
     bool const keepsAccess = !lastAccess || isEqual(*lastAccess, current);
     timespec const times[] = {keepsAccess ? s_omitted : toTimespec(*lastAccess),
                               lastWrite ? toTimespec(*lastWrite) : s_omitted};
@@ -125,7 +127,7 @@ BOOL LocalFileTimeToFileTime(FILETIME const* local, FILETIME* utc)
         return 0;
     fields.tm_isdst = -1;  // found from the date
     fields.tm_wday = -1;
-    ::tzset();
+    ::tzset();  // mktime alone need not look at a TZ that has changed
     moment.tv_sec = std::mktime(&fields);
     if (fields.tm_wday < 0)  // set by a mktime that works; its -1 may be a time as well
         return 0;

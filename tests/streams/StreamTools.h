@@ -3,45 +3,37 @@
 #ifndef ARXIUM_TESTS_STREAMS_STREAMTOOLS_H
 #define ARXIUM_TESTS_STREAMS_STREAMTOOLS_H
 
-#include <fstream>
-#include <iterator>
+#include <algorithm>
+#include <random>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "OJDStreamsDLL/OJDOutputStream.h"
+#include <gtest/gtest.h>
+
+#include "OJDStreamsDLL/OJDFileOutputStream.h"
+#include "support/Raised.h"
+#include "support/ReadAll.h"
+#include "support/TemporaryFolder.h"
 
 // A target that notes what it is told, and refuses as often as it is asked to.
 struct RecordingOutputStream : OJDOutputStream
 {
-    void write(char const* data, std::size_t size) override
-    {
-        note("write");
-        m_writes.emplace_back(data, size);
-        m_text += m_writes.back();
-    }
+    void write(char const* data, std::size_t size) override { note({data, size}); }
     void flush() override { note("flush"); }
     void close() override { note("close"); }
 
-    void note(char const* call)
+    void note(std::string const& call)
     {
-        m_calls.emplace_back(call);
         if (m_accepts > 0)
             --m_accepts;
         else if (m_refuses > 0 && m_refuses--)
-            throw std::runtime_error(call);
+            throw std::runtime_error("refused");
+        m_calls.push_back(call);
+        m_text += call;
     }
 
-    std::vector<std::string> m_calls, m_writes;
+    Lines m_calls;  // those that were not refused: the bytes of a write, or the name
     std::string m_text;
-    int m_accepts = 0;  // calls before the first refusal
-    int m_refuses = 0;
+    int m_accepts = 0, m_refuses = 0;  // calls before the first refusal, and refusals
 };
-
-inline std::string contents(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 #endif

@@ -4,21 +4,31 @@
 #define ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
-#include <string>
+#include <memory>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "NEBCore/I18NString.h"
 #include "NEBCore/NEBThrowable.h"
+#include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
+#include "zip/ARXUnzipFile.h"
 #include "zip/ARXZipFile.h"
-#include "zip/ARXZipInputStreamI.h"
+#include "zip/ARXZipInputStream.h"
 
 // Path and contents; a folder's path ends in "/".
 using Tree = std::map<std::string, std::string>;
 using Names = std::vector<std::string>;
+using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+// A fresh current folder.
+struct ZipTest : testing::Test
+{
+    TemporaryFolder m_folder;
+    CurrentFolder m_current{m_folder.path()};
+};
 
 inline Tree readTree(std::string const& folder)
 {
@@ -29,20 +39,20 @@ inline Tree readTree(std::string const& folder)
     return tree;
 }
 
-inline void writeTree(std::string const& folder, Tree const& tree)
+inline void writeTree(Tree const& tree)
 {
     for (auto const& [name, bytes] : tree)
     {
-        std::filesystem::create_directories(std::filesystem::path(folder + "/" + name).parent_path());
+        std::filesystem::create_directories(std::filesystem::path("./" + name).parent_path());
         if (name.back() != '/')
-            std::ofstream(folder + "/" + name, std::ios::binary) << bytes;
+            std::ofstream(name, std::ios::binary) << bytes;
     }
 }
 
-// Runs a shell command quietly in a folder.
-inline bool run(std::string const& folder, std::string const& command)
+// Runs a shell command quietly.
+inline bool run(std::string const& command)
 {
-    return std::system(("cd '" + folder + "' && (" + command + ") </dev/null >/dev/null 2>&1").c_str()) == 0;
+    return std::system(("(" + command + ") </dev/null >/dev/null 2>&1").c_str()) == 0;
 }
 
 inline void write(ARXZipFile& archive, std::string bytes)
@@ -51,36 +61,35 @@ inline void write(ARXZipFile& archive, std::string bytes)
                              static_cast<unsigned>(bytes.size()));
 }
 
-// Stored entries without a date, each holding its own name. patch replaces bytes of the first entry's record
-// in the directory.
-inline void makeArchive(std::string const& path, Names const& names,
-                        std::map<std::size_t, std::string> const& patches = {},
+// Makes out.zip of stored entries without a date, each holding its own name. A patch replaces bytes of the
+// first entry's record in the directory.
+inline void makeArchive(Names const& names, std::map<std::size_t, std::string> const& patches = {},
                         I18NString const* comment = nullptr)
 {
     ARXZipFile archive;
-    archive.create(path.c_str());
+    archive.create("out.zip");
     for (std::string const& name : names)
     {
         archive.openNewFileInZip(name.c_str(), nullptr, comment, ARXZipFile::compressStored, 0);
         write(archive, name);
     }
     archive.close();
-    std::string bytes = readAll(path);
+    std::string bytes = readAll("out.zip");
     for (auto const& [offset, patch] : patches)
         bytes.replace(bytes.find("PK\1\2") + offset, patch.size(), patch);
-    std::ofstream(path, std::ios::binary) << bytes;
+    writeTree({{"out.zip", bytes}});
 }
 
-// Name and contents of every entry that opens; of entries with one name the last counts.
-inline Tree readStream(ARXZipInputStreamI&& stream)
+// Name, without "./", and contents of every file that opens; of entries with one name the last counts.
+inline Tree readStream(ARXZipInputStream&& stream)
 {
     Tree tree;
     std::string name;
     for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
     {
-        if (!stream.getCurrentEntryName(name) || !stream.openCurrentEntry())
+        if (!stream.getCurrentEntryName(name) || !stream.openCurrentEntry() || name.back() == '/')
             continue;
-        std::string& bytes = tree[name] = {};
+        std::string& bytes = tree[name.substr(name.rfind("./", 0) == 0 ? 2 : 0)] = {};
         char buffer[1000];
         for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
             bytes.append(buffer, count);
@@ -95,6 +104,7 @@ std::string failureOf(Call const& call)
     try
     {
         call();
+        return "none";
     }
     catch (NEBThrowable& error)
     {
@@ -104,7 +114,6 @@ std::string failureOf(Call const& call)
         return (name == "NEBAssertError" ? "" : name + ": ") + error.getMessage() +
                (operation ? std::string(" @") + operation : "") + " x" + std::to_string(places.size());
     }
-    return "none";
 }
 
 #endif
