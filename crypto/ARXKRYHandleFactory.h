@@ -23,6 +23,7 @@ public:
     static void setFactoryWorker(ARXKRYHandleFactoryWorkerI* worker);
 
     // A handle with a session of its own, which the caller opens and sets up; for one thread at a time.
+    // Both forms raise NEBOutOfMemoryError without memory.
     static ARXKRYHandleI* createHandle();
     // A handle on a session that is set up once for each pair of documents (sessionConfigDocument,
     // setInfoDocument) and stays open until the last stop. The handle may be used from several threads.

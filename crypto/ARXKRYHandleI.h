@@ -1,6 +1,6 @@
 // A crypto session that its user opens and sets up as well.
 //
-// One object serves one thread at a time. Before persistentInitialize the other operations fail.
+// One object serves one thread at a time. Before persistentInitialize the interface refuses all work.
 
 #ifndef ARXIUM_CRYPTO_ARXKRYHANDLEI_H
 #define ARXIUM_CRYPTO_ARXKRYHANDLEI_H

@@ -1,6 +1,6 @@
 // A crypto session as its users see it: set up already, and not to be changed.
 //
-// protectData, unprotectData and getInfo tell failure by a status, for KRY_SUCCEEDED; they raise only for
+// protectData, unprotectData and getInfo give a status, 0 or more for success; they raise only for
 // sizes beyond 32 bits (NEBException). extra is reserved and null. Which threads may call is told by the
 // source of the handle (ARXKRYHandleFactory).
 

@@ -13,7 +13,8 @@
 class ARXIUM_API ARXMessage : public NEBMessage
 {
 public:
-    // Message id of the library's own message file.
+    // Message id of the library's own message file. For number 0 write 0u: a plain 0 could also be a null
+    // text.
     explicit ARXMessage(std::uint32_t id);
     // No message yet, of the message file of that name (UTF-8).
     explicit ARXMessage(char const* messageFile);

@@ -20,7 +20,7 @@ int check(CheckOptions const& options)
     for (std::string const& reason : wrong)
         std::cout << "wrong: " << reason << '\n';
     if (wrong.empty())
-        std::cout << "right\n";
+        std::cout << "right (what stands before the query is not signed)\n";
     return wrong.empty() ? 0 : 1;
 }
 }  // namespace

@@ -3,8 +3,8 @@
 #ifndef ARXHOST_RUNNINGLIBRARY_H
 #define ARXHOST_RUNNINGLIBRARY_H
 
-// The crypto interface, started for the host's own service. The library drops the reason why it can't start; asked
-// here first, the interface tells it.
+// The crypto interface, started for the host's own service. The library drops the reason why it can't start;
+// asked here first, the interface tells it.
 class RunningCrypto
 {
 public:

@@ -59,8 +59,7 @@ std::uint64_t ARXFmDir::findDifferentiatingPathOffset(char const* path1, char co
 {
     NEB_ASSERT(path1 && path2);
     std::uint64_t offset = 0;
-    // Two terminators are equivalent too, so the end needs a test of its own; path2's end differs from any
-    // byte.
+    // Two terminators are equivalent too, so the end of path1 needs a test; that of path2 fits no byte.
     while (path1[offset] != '\0' && isEquivalentPathChar(path1[offset], path2[offset]))
         ++offset;
     return offset;
@@ -146,8 +145,7 @@ void ARXFmDir::splitPathIntoParts(std::string const& path, ARXFmDirPathParts& pa
         parts.m_drive = {static_cast<char>(std::tolower(toByte(path[0]))), ':'};
         rest.remove_prefix(s_drivePrefixSize);
     }
-    // From the right, on views of path: copying the rest for each element would cost the square of the
-    // length.
+    // From the right, on views of path: a copy of the rest for each element would cost the length squared.
     while (!rest.empty())
     {
         std::string_view head;

@@ -1,10 +1,10 @@
 // Measures elapsed time in nanoseconds by the high-resolution counter.
 //
-// Every reading is made on the one processor chosen by initialize: the calling thread is moved there for the
-// length of the reading and then gets its own processors back. Nothing here raises; a timer that can't
-// measure answers 0. initialize and terminate belong at the start and the end of the host, while no timer is
-// in use. Between them any number of threads may use timers of their own; one timer serves one thread at a
-// time.
+// Every reading is made on the one processor chosen by initialize: the calling thread is moved there for
+// the length of the reading and then gets its own processors back. Nothing here raises; a timer that can't
+// measure answers 0. initialize and terminate belong at the start and the end of the host, while no timer
+// is in use. Between them any number of threads may use timers of their own; one timer serves one thread
+// at a time.
 
 #ifndef ARXIUM_TEXT_NEBUTHRTIMER_H
 #define ARXIUM_TEXT_NEBUTHRTIMER_H
@@ -20,8 +20,7 @@ public:
     virtual ~NEBUtHRTimer();
 
     // Chooses the lowest processor that the process may use and asks for the counter's frequency, from
-    // scratch at each call. Where the system refuses one of them, timers answer 0 until a later call
-    // succeeds.
+    // scratch at each call. Where the system refuses one, timers answer 0 until a later call succeeds.
     static void initialize();
     // Timers answer 0 from here on.
     static void terminate();

@@ -17,7 +17,7 @@ public:
     virtual ~ARXHelper();
 
     // The bytes as Web64 text (RFC 4648, section 5, without padding), terminated. The caller releases it by
-    // delete[].
+    // delete[]. Without memory std::bad_alloc leaves.
     static char* createWeb64(NEBByteBuffer const& input);
 
     // Replaces output by the percent encoding of UTF-16 code units, for the query part of a URL: letters,
@@ -26,13 +26,14 @@ public:
     // keepAscii leaves every unit below 0x80 as it is, line ends included.
     //
     // size is in bytes, an odd last one being ignored; input may be null if size is 0, else NEBAssertError is
-    // raised and output stays as it was.
+    // raised and output stays as it was. Without memory NEBOutOfMemoryError is raised.
     static void urlEncode(void const* input, std::size_t size, NEBByteBuffer& output, bool keepAscii);
     static void urlEncode(I18NString const& input, NEBByteBuffer& output, bool keepAscii);
 
     // Cuts what stands behind the last "/". A text without "/", or with none but its first character, stays.
     static void removeLastComponentFromUrl(I18NString& url);
 
+    // The three operations on base paths raise what the configuration raises.
     // Puts the configured base path of the gateway in path, cut behind its last "/" if removeLastComponent.
     static void getGatewayBasePath(I18NString& path, bool removeLastComponent);
     static void getBasePath(I18NString& path, bool removeLastComponent);  // the same

@@ -39,6 +39,16 @@ char const* toText(I18NString const& text)
 {
     return text.c_str(nullptr, nullptr, nullptr, nullptr);
 }
+// Replaces url by a configured base path, or by nothing.
+void startUrl(std::string& url, bool useBasePath, void (*readBasePath)(I18NString&))
+{
+    url.clear();
+    if (!useBasePath)
+        return;
+    I18NString basePath;
+    readBasePath(basePath);
+    url = toText(basePath);
+}
 }  // namespace
 
 ARXUriDispatchHelper::ARXUriDispatchHelper() = default;
@@ -73,13 +83,7 @@ void ARXUriDispatchHelper::generateByteServingUrlFromBasePath(std::string const&
 void ARXUriDispatchHelper::genGatewayUrlForFile(std::string const& path, std::string& url,
                                                 char const* base64SessionID, bool useBasePath)
 {
-    url.clear();
-    if (useBasePath)
-    {
-        I18NString basePath;
-        ARXHelper::getGatewayBasePath(basePath, false);
-        url = toText(basePath);
-    }
+    startUrl(url, useBasePath, [](I18NString& basePath) { ARXHelper::getGatewayBasePath(basePath, false); });
     generateByteServingUrlFromBasePath(path, base64SessionID, url);
 }
 
@@ -92,13 +96,7 @@ void ARXUriDispatchHelper::genUrlForFile(std::string const& path, std::string& u
 void ARXUriDispatchHelper::genExternalDispatcherUrlForFile(std::string const& path, std::string& url,
                                                            char const* base64SessionID, bool useBasePath)
 {
-    url.clear();
-    if (useBasePath)
-    {
-        I18NString basePath;
-        ARXHelper::getExternalDispatcherBasePath(basePath);
-        url = toText(basePath);
-    }
+    startUrl(url, useBasePath, ARXHelper::getExternalDispatcherBasePath);
     generateByteServingUrlFromBasePath(path, base64SessionID, url);
 }
 

@@ -2,7 +2,8 @@
 //
 // A URL names the file by its last path component and carries two digests of the crypto interface: of that
 // name, and of the name followed by the caller's session id. Name and id are joined without a separator, so
-// ids should be of one length or outside the alphabet of file names; the dispatcher id is not signed.
+// ids should be of one fixed length, or begin with a character that no file name holds; the dispatcher id is
+// not signed.
 //
 // Between the first start and the last stop of Arxium any number of threads may call at once. Failures raise
 // NEBAssertError, for a path without file name, a null session id or a refused digest, or what the crypto

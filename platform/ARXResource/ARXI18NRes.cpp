@@ -26,7 +26,8 @@ char const* findMessage(std::uint32_t id)
 // At load, since a host may name the message file without having asked for any string.
 [[gnu::constructor]] void installCatalogue()
 {
-    NEBMessageCatalogue::install(s_messageFile, findMessage);
+    static NEBMessageCatalogue::Entry s_entry{s_messageFile, findMessage};
+    NEBMessageCatalogue::install(s_entry);
 }
 
 std::map<int, I18NString> const& makeStrings()

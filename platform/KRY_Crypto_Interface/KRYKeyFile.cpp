@@ -1,5 +1,6 @@
 #include "KRY_Crypto_Interface/KRYKeyFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -44,14 +45,17 @@ std::string defaultFolder()
 void makeFolder(std::string const& path)
 {
     auto const make = [&] { return retryInterrupted([&] { return ::mkdir(path.c_str(), 0700); }); };
+    std::string const parent = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
     int result = make();
-    if (result == -1 && errno == ENOENT && path.rfind('/') > 0)
+    if (result == -1 && errno == ENOENT && parent.size() > 1)
     {
-        makeFolder(path.substr(0, path.rfind('/')));
+        makeFolder(parent);
         result = make();
     }
     if (result == -1 && errno != EEXIST)
         raiseSystemError(KRY_ERROR_KEY, "folder " + path + " of the key file can't be made");
+    if (result == 0)
+        KRYFile("folder " + parent, AT_FDCWD, parent.c_str(), O_RDONLY | O_DIRECTORY).sync();
 }
 
 void makeKeyFile(std::string const& folder)

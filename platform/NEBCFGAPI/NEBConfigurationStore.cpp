@@ -1,5 +1,6 @@
 #include "NEBCFGAPI/NEBConfigurationStore.h"
 
+#include <cstring>
 #include <fstream>
 
 #include "NEBCore/NEBException.h"
@@ -7,6 +8,8 @@
 
 namespace
 {
+char constexpr s_byteOrderMark[] = "\xEF\xBB\xBF";  // some editors begin UTF-8 files with it
+
 std::string trimmed(std::string const& text)
 {
     char const* const blanks = " \t\r";
@@ -59,6 +62,8 @@ void NEBConfigurationStore::load(std::string const& path)
     std::string line;
     for (int number = 1; std::getline(file, line); ++number)
     {
+        if (number == 1 && line.rfind(s_byteOrderMark, 0) == 0)
+            line.erase(0, std::strlen(s_byteOrderMark));
         line = trimmed(line);
         if (line.empty() || line[0] == '#')
             continue;

@@ -28,8 +28,7 @@ bool isEscapedByte(char16_t unit)
     return unit >= s_escapeBase + 0x80 && unit <= s_escapeBase + 0xFF;
 }
 
-// The length of the well-formed sequence at text (Unicode, table 3-7), its code point in point; 0 if there is
-// none.
+// The length of the well-formed sequence at text (Unicode, table 3-7), its code point in point; 0 for none.
 std::size_t decodeSequence(unsigned char const* text, unsigned char const* end, char32_t& point)
 {
     unsigned const lead = *text;

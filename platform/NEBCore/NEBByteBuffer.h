@@ -40,8 +40,7 @@ public:
     // Without its terminator.
     NEBByteBuffer& operator<<(char const* text);
 
-    // Makes room for size bytes in all. The bytes between pcount() and the room may be written before
-    // setLength.
+    // Makes room for size bytes in all. Those behind pcount() may be written before setLength.
     void reserve(std::size_t size)
     {
         if (size > m_capacity)

@@ -11,8 +11,7 @@
 class NEBCORE_API NEBException : public NEBThrowable, public NEBMessageSet
 {
 public:
-    // Severity 1 and code 0 where the form doesn't say them. text (UTF-8, may be null for none) becomes a
-    // message.
+    // Severity 1 and code 0 where the form doesn't say them. text (UTF-8, null for none) becomes a message.
     explicit NEBException(std::int32_t code);
     NEBException(NEBSeverity severity, std::int32_t code);
     explicit NEBException(char const* text);

@@ -21,9 +21,8 @@ public:
     // path that is null, missing, unreachable or of another type gives 0.
     static int exists(char const* path, int mode);
 
-    // Splits behind the last separator. The file part of "a/" is empty, the directory part of "x" too, that
-    // of
-    // "/x" is "/". Either out may be null, and both may be the storage of path.
+    // Splits behind the last separator. The file part of "a/" is empty, the directory part of "x" too,
+    // that of "/x" is "/". Either out may be null, and both may be the storage of path.
     static void splitPath(std::string const& path, std::string* directory, std::string* file);
 
     // Appends name, behind a "/" unless base is empty or ends in a separator.

@@ -1,36 +1,29 @@
 #include "NEBCore/NEBMessageCatalogue.h"
 
-#include <map>
+#include <cstring>
 #include <mutex>
-#include <string>
 
 namespace
 {
-struct Catalogues
-{
-    std::mutex m_lock;
-    std::map<std::string, NEBMessageCatalogue::Lookup> m_byFile;
-};
-
-// Made on first use and never destroyed, so that a message can be formatted while the process ends.
-Catalogues& catalogues()
-{
-    static Catalogues& s_catalogues = *new Catalogues;
-    return s_catalogues;
-}
+std::mutex s_lock;
+NEBMessageCatalogue::Entry* s_newest = nullptr;
 }  // namespace
 
-void NEBMessageCatalogue::install(char const* file, Lookup lookup)
+void NEBMessageCatalogue::install(Entry& entry)
 {
-    Catalogues& all = catalogues();
-    std::lock_guard<std::mutex> const guard(all.m_lock);
-    all.m_byFile[file] = lookup;
+    std::lock_guard<std::mutex> const guard(s_lock);
+    for (Entry const* known = s_newest; known; known = known->m_next)
+        if (known == &entry)
+            return;
+    entry.m_next = s_newest;
+    s_newest = &entry;
 }
 
 char const* NEBMessageCatalogue::find(char const* file, std::uint32_t id)
 {
-    Catalogues& all = catalogues();
-    std::lock_guard<std::mutex> const guard(all.m_lock);
-    auto const found = all.m_byFile.find(file);
-    return found == all.m_byFile.end() ? nullptr : found->second(id);
+    std::lock_guard<std::mutex> const guard(s_lock);
+    for (Entry const* entry = s_newest; entry; entry = entry->m_next)
+        if (std::strcmp(entry->m_file, file) == 0)
+            return entry->m_lookup(id);
+    return nullptr;
 }

@@ -13,12 +13,21 @@
 class NEBCORE_API NEBMessageCatalogue
 {
 public:
-    // Gives the UTF-8 text with the places {0} and {1}, or null for an unknown number. The text must stay
-    // valid.
+    // Gives the UTF-8 text with the places {0} and {1}, which must stay valid, or null for no such number.
     using Lookup = char const* (*)(std::uint32_t id);
 
-    // Makes lookup the catalogue of that name; an earlier one of the same name is replaced.
-    static void install(char const* file, Lookup lookup);
+    // Names a catalogue. It is linked into the list of all, so that installing it needs no memory and can't
+    // fail.
+    struct Entry
+    {
+        char const* m_file;
+        Lookup m_lookup;
+        Entry* m_next = nullptr;
+    };
+
+    // Installs entry, which must stay where it is to the end of the process. Of two of one name the later
+    // counts; installing one twice changes nothing.
+    static void install(Entry& entry);
     // Null where the file or the number is unknown.
     static char const* find(char const* file, std::uint32_t id);
 };

@@ -16,7 +16,7 @@ class NEBSharedList
 {
 public:
     // Strong guarantee: without memory (std::bad_alloc) the list stays as it was.
-    void push(Value value) { m_newest = std::make_shared<Node const>(Node{std::move(value), m_newest}); }
+    void push(Value value) { m_newest = std::make_shared<Node const>(std::move(value), m_newest); }
 
     // Oldest first; the pointers live as long as this list.
     std::vector<Value const*> entries() const { return entriesBehind(nullptr); }
@@ -41,6 +41,20 @@ public:
 private:
     struct Node
     {
+        Node(Value&& value, std::shared_ptr<Node const> older)
+            : m_value(std::move(value)), m_older(std::move(older))
+        {
+        }
+        // Releases unshared older nodes one by one: each from within the next would use up the stack.
+        ~Node()
+        {
+            std::shared_ptr<Node const> next = std::move(m_older);
+            while (next && next.use_count() == 1)
+                next = std::shared_ptr<Node const>(next->m_older);
+        }
+        Node(Node const&) = delete;
+        Node& operator=(Node const&) = delete;
+
         Value m_value;
         std::shared_ptr<Node const> m_older;
     };

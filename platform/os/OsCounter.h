@@ -1,10 +1,10 @@
 // High-resolution counter and thread affinity under the names that the library calls on every platform, over
 // the monotonic clock and the scheduler's processor sets.
 //
-// A mask names processor n by bit n, so it can't tell a set that reaches beyond processor 63. Such a set of a
-// thread is handed out as a mask of all ones, and the thread gets back exactly the set that it had when that
-// mask returns. Any thread may call; each changes only its own processors, and nothing here allocates or
-// throws.
+// A mask names processor n by bit n, so it can't tell a set that reaches beyond processor 63. Such a set
+// of a thread is handed out as a mask of all ones, and the thread gets back exactly the set that it had
+// when that mask returns. Any thread may call; each changes only its own processors, and nothing here
+// allocates or throws.
 
 #ifndef OS_OSCOUNTER_H
 #define OS_OSCOUNTER_H

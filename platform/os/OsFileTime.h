@@ -30,9 +30,8 @@ DWORD constexpr OPEN_EXISTING = 3;
 extern "C"
 {
     // Opens an existing file; INVALID_HANDLE_VALUE on failure, and for anything but OPEN_EXISTING without
-    // attributes.
-    // "\" separates like "/". Nothing keeps other processes out: the system has no such lock, whatever share
-    // says.
+    // attributes. "\" separates like "/". Nothing keeps other processes out: the system has no such lock,
+    // whatever share says.
     OS_FILETIME_API HANDLE CreateFileA(char const* path, DWORD access, DWORD share, void* security,
                                        DWORD disposition, DWORD flags, HANDLE templateFile);
     OS_FILETIME_API BOOL CloseHandle(HANDLE file);

@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "path/PathModel.h"
 #include "support/ExpectAssertion.h"
+#include "support/Raised.h"
 #include "support/TemporaryFolder.h"
 
 namespace
@@ -127,6 +129,37 @@ TEST(ARXFmDir, NormalisesPathsAlsoInPlace)
             ARXFmDir::getNormalizedPath(path, path);
             EXPECT_EQ(result, path);
         }
+}
+
+// Twice is once, unless a name that looks like a drive prefix has come to stand first.
+void expectModelsForm(std::string const& path)
+{
+    std::string out;
+    Lines const failure = raisedBy([&] { ARXFmDir::getNormalizedPath(path, out); });
+    ASSERT_EQ(modelNormalizedPath(path), out) << path;
+    ASSERT_EQ(failure.empty(), !out.empty()) << path;
+    bool const isNewDrive = ARXFmDir::hasDriveLetter(out.c_str()) != ARXFmDir::hasDriveLetter(path.c_str());
+    if (failure.empty() && !isNewDrive)
+    {
+        std::string twice;
+        ARXFmDir::getNormalizedPath(out, twice);
+        ASSERT_EQ(out, twice) << path;
+    }
+}
+
+TEST(ARXFmDir, NormalisesEveryShortPathAsTheModelDoes)
+{
+    std::vector<std::string> paths = {""};  // of one length
+    for (int length = 1; length <= 7; ++length)
+    {
+        std::vector<std::string> longer;
+        for (std::string const& path : paths)
+            for (char const c : std::string("/\\.aC:"))
+                longer.push_back(path + c);
+        paths = std::move(longer);
+        for (std::string const& path : paths)
+            ASSERT_NO_FATAL_FAILURE(expectModelsForm(path));
+    }
 }
 
 TEST(ARXFmDir, NormalisesALongPathInTimeThatGrowsWithItsLength)
