@@ -22,13 +22,24 @@ std::size_t below(Random& random, std::size_t limit)
     return random() % limit;  // the distributions of the standard library differ from one to the next
 }
 
-std::string makeWord(Random& random)
+std::string makeWord(unsigned number)
 {
-    Random letters(below(random, 64) * below(random, 64));  // 4096 words, some much more frequent
+    Random letters(number);
     std::string word(2 + below(letters, 9), ' ');
     for (char& letter : word)
         letter = static_cast<char>('a' + below(letters, 26));
     return word;
+}
+
+// One of some 4000 words, a few of them much more frequent. Each is made once: seeding costs more than a
+// line.
+std::string const& pickWord(Random& random)
+{
+    static std::vector<std::string> s_words(64 * 64);
+    std::size_t const number = below(random, 64) * below(random, 64);
+    if (s_words[number].empty())
+        s_words[number] = makeWord(static_cast<unsigned>(number));
+    return s_words[number];
 }
 
 // Accents, ideographs, "=" and tabs.
@@ -46,7 +57,7 @@ std::string makeLines(Random& random, std::size_t size, bool mixed)
     std::size_t lineSize = 40 + below(random, 60);
     while (text.size() < size)
     {
-        std::string word = makeWord(random);
+        std::string word = pickWord(random);
         if (mixed)
             spice(random, word);
         text += word;
@@ -72,7 +83,7 @@ std::string makeLog(std::size_t size)
         log += "2007-03-05 " + std::to_string(10 + second / 3600 % 14) + ":" +
                std::to_string(second / 60 % 60) + ":" + std::to_string(second % 60) + " INFO worker-" +
                std::to_string(below(random, 8)) + " request " + std::to_string(below(random, 1000000)) + " " +
-               makeWord(random) + " took " + std::to_string(below(random, 90000)) + " us\n";
+               pickWord(random) + " took " + std::to_string(below(random, 90000)) + " us\n";
     log.resize(size);
     return log;
 }

@@ -31,11 +31,10 @@ void require(bool holds, char const* what)
         throw std::runtime_error(what);
 }
 
-// Calls take(data, size) until size bytes have gone, piece by piece.
+// Calls take(data, size) until size bytes have gone, the same piece again and again.
 template <class Take>
-void feed(std::size_t size, Take const& take)
+void feed(std::string const& piece, std::size_t size, Take const& take)
 {
-    std::string const piece = makeText(mixedText, s_pieceSize);
     for (std::size_t left = size; left != 0;)
     {
         std::size_t const count = std::min(left, piece.size());
@@ -49,7 +48,8 @@ std::string largeFile(std::size_t size)
     std::string path = scratchFolder() + "/large.txt";
     std::unique_ptr<std::FILE, decltype(&std::fclose)> const file(std::fopen(path.c_str(), "wb"),
                                                                   std::fclose);
-    feed(size, [&](char const* data, std::size_t count)
+    feed(makeText(mixedText, s_pieceSize), size,
+         [&](char const* data, std::size_t count)
          { require(std::fwrite(data, 1, count, file.get()) == count, "no room for the input"); });
     return path;
 }
@@ -109,11 +109,11 @@ public:
 
 Work quotedPrintable(std::size_t size)
 {
-    return [size]
+    return [size, piece = makeText(mixedText, s_pieceSize)]
     {
         NullTarget target;
         ARXOJDQuotedPrintableOutputStream stream(target, false);
-        feed(size, [&](char const* data, std::size_t count) { stream.write(data, count); });
+        feed(piece, size, [&](char const* data, std::size_t count) { stream.write(data, count); });
     };
 }
 
@@ -146,12 +146,12 @@ Work bufferWithChecksum(std::size_t size)
 Work encryptedFile(std::size_t size)
 {
     auto const library = std::make_shared<StartedLibrary>();
-    return [size, library]
+    return [size, library, piece = makeText(mixedText, s_pieceSize)]
     {
         ARXOJDSecureFileOutputStream stream;
         stream.setSecureType(ARXOJDSecureFileOutputStream::secureTypeEncrypted);
         stream.open((scratchFolder() + "/encrypted").c_str());
-        feed(size, [&](char const* data, std::size_t count) { stream.write(data, count); });
+        feed(piece, size, [&](char const* data, std::size_t count) { stream.write(data, count); });
         stream.close();
     };
 }

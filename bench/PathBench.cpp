@@ -23,7 +23,6 @@ char const* const s_paths[] = {
     "C:\\Program Files\\Product\\bin\\..\\templates\\ps\\portal\\images\\icon.gif",
     "a/b",
 };
-int constexpr s_drivePath = 3;
 
 template <class Normalise>
 void normalise(benchmark::State& state, Normalise const& normalisePath)
@@ -54,6 +53,8 @@ void standard(std::string const& path, std::string& result)
 }
 
 #ifdef ARXIUM_BENCH_POCO
+int constexpr s_drivePath = 3;
+
 void poco(std::string const& path, std::string& result)
 {
     auto const style = path == s_paths[s_drivePath] ? Poco::Path::PATH_WINDOWS : Poco::Path::PATH_UNIX;

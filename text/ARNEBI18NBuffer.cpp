@@ -1,5 +1,6 @@
 #include "text/ARNEBI18NBuffer.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <memory>
@@ -99,9 +100,27 @@ void moveBytes(unsigned char* target, void const* source, std::uint64_t size)
 
 unsigned char foldCase(unsigned char byte)
 {
-    // The rest of ASCII is upper case in no locale, which saves most bytes the call.
+    // The rest of ASCII is upper case in no locale, which saves most bytes the call; tolower leaves alone
+    // what isupper doesn't know.
     bool const mayBeUpper = (byte >= 'A' && byte <= 'Z') || byte >= 0x80;
-    return mayBeUpper && std::isupper(byte) ? static_cast<unsigned char>(std::tolower(byte)) : byte;
+    return mayBeUpper ? static_cast<unsigned char>(std::tolower(byte)) : byte;
+}
+
+// The checksum of a folded copy, piece by piece, is that of one folded byte after the other in less than half
+// the time.
+std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
+{
+    std::uint32_t crc = 0;
+    unsigned char folded[256];
+    while (size != 0)
+    {
+        std::uint64_t const count = std::min<std::uint64_t>(size, sizeof folded);
+        std::transform(bytes, bytes + count, folded, foldCase);
+        crc = NEBUtCrc32::crc32(crc, folded, count);
+        bytes += count;
+        size -= count;
+    }
+    return crc;
 }
 }  // namespace
 
@@ -202,13 +221,7 @@ std::uint32_t ARNEBI18NBuffer::getCssCrc() const
 {
     if (m_cssCrc == 0 && m_size != 0 && m_buffer)
     {
-        std::uint32_t crc = 0;  // not the member: storing that at each byte would double the time
-        for (std::uint64_t i = 0; i < m_size; ++i)
-        {
-            unsigned char const byte = foldCase(m_buffer[i]);
-            crc = NEBUtCrc32::crc32(crc, &byte, 1);
-        }
-        m_cssCrc = crc;
+        m_cssCrc = foldedCrc(m_buffer, m_size);
     }
     return m_cssCrc;
 }

@@ -23,15 +23,14 @@ uLong readBuffer(voidpf, voidpf stream, void* buf, uLong size)
     NEB_ASSERT(pZipCharBuffer);
     NEB_ASSERT(pZipCharBuffer->m_pBuffer);
     NEB_ASSERT(buf);
-    char const* const next = pZipCharBuffer->m_pBuffer + pZipCharBuffer->m_position;
-    std::size_t const count =
-        std::min<std::size_t>(size, pZipCharBuffer->m_size - pZipCharBuffer->m_position);
+    std::size_t const position = pZipCharBuffer->m_position;
+    std::size_t const count = std::min<std::size_t>(size, pZipCharBuffer->m_size - position);
+    pZipCharBuffer->m_position = position + count;
     // minizip reads all its headers byte by byte; a plain assignment saves the call for each.
     if (count == 1)
-        *static_cast<char*>(buf) = *next;
+        *static_cast<char*>(buf) = pZipCharBuffer->m_pBuffer[position];
     else if (count != 0)
-        std::memcpy(buf, next, count);
-    pZipCharBuffer->m_position += count;
+        std::memcpy(buf, pZipCharBuffer->m_pBuffer + position, count);
     return count;
 }
 

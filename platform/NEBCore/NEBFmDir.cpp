@@ -106,10 +106,9 @@ void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::s
     auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
     auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
     // The separator goes with neither part, but for that of the root.
-    std::string head = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
-    std::string tail = path.substr(tailStart);
+    std::string tail = file ? path.substr(tailStart) : std::string();
     if (directory)
-        *directory = std::move(head);
+        *directory = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
     if (file)
         *file = std::move(tail);
 }

@@ -4,12 +4,6 @@
 
 #include <libdeflate.h>
 
-namespace
-{
-// Below this many bytes a table beats the library's set-up.
-std::size_t constexpr s_shortSize = 16;
-}  // namespace
-
 // Remainders of one byte by the reversed polynomial 0xEDB88320.
 // clang-format off
 std::uint32_t const NEBUtCrc32::s_table[256] = {
@@ -53,13 +47,7 @@ std::uint32_t NEBUtCrc32::crc32(char const* text, std::uint32_t seed)
     return crc32(seed, text, std::strlen(text));
 }
 
-std::uint32_t NEBUtCrc32::crc32Bytes(std::uint32_t seed, void const* bytes, std::size_t size)
+std::uint32_t NEBUtCrc32::crc32Long(std::uint32_t seed, void const* bytes, std::size_t size)
 {
-    if (size >= s_shortSize)
-        return libdeflate_crc32(seed, bytes, size);
-
-    auto const* byte = static_cast<unsigned char const*>(bytes);
-    for (std::size_t i = 0; i < size; ++i)
-        seed = crc32Byte(seed, byte[i]);
-    return seed;
+    return libdeflate_crc32(seed, bytes, size);
 }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/KRYStarted.h"
+#include "support/ReadAll.h"
 
 namespace
 {

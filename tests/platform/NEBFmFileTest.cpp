@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
 
 namespace

@@ -5,8 +5,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -54,13 +52,5 @@ public:
 private:
     std::filesystem::path m_before;
 };
-
-// Empty for what is no regular file.
-inline std::string readAll(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    bool const isFile = std::filesystem::is_regular_file(path);
-    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
-}
 
 #endif
