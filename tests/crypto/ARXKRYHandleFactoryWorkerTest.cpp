@@ -7,6 +7,7 @@
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
 #include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
+#include "support/Threads.h"
 
 namespace
 {
@@ -113,12 +114,12 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, ACallHoldsNeitherTheWorkerNorAnotherSessio
 
 TEST_F(ARXKRYHandleFactoryWorkerTest, ManyThreadsShareOneSessionForEachPairAndNeverMeetOnIt)
 {
-    onThreads(
-        [](int)
-        {
-            for (int i = 0; i < 400; ++i)
-                use("cnfg", std::to_string(i).c_str());
-        });
+    onThreads(8,
+              [](int)
+              {
+                  for (int i = 0; i < 400; ++i)
+                      use("cnfg", std::to_string(i).c_str());
+              });
     Lines const calls = m_recorder.takeCalls();
     EXPECT_EQ(400, std::count(calls.begin(), calls.end(), "KRY_PersistentInitialize cnfg"));
 }

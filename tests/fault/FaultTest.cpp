@@ -512,9 +512,9 @@ protected:
         : m_report(*static_cast<Report*>(
               mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
     {
-        writeTree(m_scene / "tree", s_tree);
-        writeTree(m_scene.path(),
-                  {{"key", std::string(32, 'k')}, {"settings", "a key of some length = its value\n"}});
+        writeTree(s_tree, m_scene / "tree");
+        writeTree({{"key", std::string(32, 'k')}, {"settings", "a key of some length = its value\n"}},
+                  m_scene.path());
         std::filesystem::permissions(m_scene / "key", std::filesystem::perms(0600));
         setenv("TZ", "UTC", 1);  // else the C library reads its time zone again and again
         useSettings();

@@ -4,6 +4,7 @@
 
 #include "crypto/ARXKRYHandleFactory.h"
 #include "support/CryptoRecorder.h"
+#include "support/Threads.h"
 
 namespace
 {
@@ -78,12 +79,12 @@ TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefusedAndDoNotWrapIt)
 
 TEST_F(ArxiumTest, StartsAndStopsFromManyThreadsRunOneAtATime)
 {
-    onThreads(
-        [](int)
-        {
-            for (int round = 0; round < 100; ++round)
-                Arxium::initialize(), Arxium::terminate();
-        });
+    onThreads(8,
+              [](int)
+              {
+                  for (int round = 0; round < 100; ++round)
+                      Arxium::initialize(), Arxium::terminate();
+              });
     EXPECT_FALSE(isServing());
     Lines const calls = m_recorder.takeCalls();
     char const* const block[] = {"I18NInitialize", "KRY_CryptoInitialize", "KRY_CryptoTerminate",

@@ -1,6 +1,5 @@
 #include "support/CryptoRecorder.h"
 
-#include <future>
 #include <thread>
 
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
@@ -78,15 +77,6 @@ Lines CryptoRecorder::problems() const
         if (!session.m_closeAsked)
             problems.push_back("not closed: " + session.m_name);
     return problems;
-}
-
-void RecordedTest::onThreads(std::function<void(int)> const& call)
-{
-    std::vector<std::future<void>> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.push_back(std::async(std::launch::async, call, i));
-    for (std::future<void>& thread : threads)
-        thread.get();
 }
 
 std::int32_t KRY_CryptoInitialize(char const* document, void*, char** details)

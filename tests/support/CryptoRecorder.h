@@ -67,9 +67,6 @@ struct RecordedTest : testing::Test
     RecordedTest() { m_recorder.reset(); }
     ~RecordedTest() override { EXPECT_EQ(Lines(), m_recorder.problems()); }
 
-    // Runs call(0), call(1) ... call(7), each on a thread of its own.
-    static void onThreads(std::function<void(int)> const& call);
-
     CryptoRecorder& m_recorder = CryptoRecorder::get();
 };
 

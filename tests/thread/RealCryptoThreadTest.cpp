@@ -17,7 +17,7 @@
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
 #include "frame/Arxium.h"
 #include "support/TemporaryFolder.h"
-#include "thread/ThreadTools.h"
+#include "support/Threads.h"
 #include "url/ARXUriDispatchHelper.h"
 
 namespace

@@ -10,7 +10,7 @@
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
 #include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
-#include "thread/ThreadTools.h"
+#include "support/Threads.h"
 
 namespace
 {

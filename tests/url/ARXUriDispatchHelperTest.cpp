@@ -8,6 +8,7 @@
 #include "crypto/ARXKRYHandleI.h"
 #include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
+#include "support/Threads.h"
 
 namespace
 {
@@ -59,13 +60,13 @@ TEST_F(ARXUriDispatchHelperTest, NamesAndSignsTheLastComponent)
     };
     for (auto const& [folder, name, sessionId] : rows)
         EXPECT_EQ(query(name, sessionId), generate(folder + name, sessionId));
-    onThreads(
-        [](int thread)
-        {
-            for (int i = 0; i < 50; ++i)
-                EXPECT_EQ(query(std::to_string(thread), std::to_string(i)),
-                          generate(std::to_string(thread), std::to_string(i).c_str()));
-        });
+    onThreads(8,
+              [](int thread)
+              {
+                  for (int i = 0; i < 50; ++i)
+                      EXPECT_EQ(query(std::to_string(thread), std::to_string(i)),
+                                generate(std::to_string(thread), std::to_string(i).c_str()));
+              });
 }
 
 TEST_F(ARXUriDispatchHelperTest, ReplacesTheUrlBehindTheBasePathAskedFor)

@@ -39,13 +39,13 @@ inline Tree readTree(std::string const& folder)
     return tree;
 }
 
-inline void writeTree(Tree const& tree)
+inline void writeTree(Tree const& tree, std::filesystem::path const& folder = ".")
 {
     for (auto const& [name, bytes] : tree)
     {
-        std::filesystem::create_directories(std::filesystem::path("./" + name).parent_path());
+        std::filesystem::create_directories((folder / name).parent_path());
         if (name.back() != '/')
-            std::ofstream(name, std::ios::binary) << bytes;
+            std::ofstream(folder / name, std::ios::binary) << bytes;
     }
 }
 

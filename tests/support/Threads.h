@@ -1,7 +1,7 @@
-// What the thread tests share.
+// Work on several threads at once.
 
-#ifndef ARXIUM_TESTS_THREAD_THREADTOOLS_H
-#define ARXIUM_TESTS_THREAD_THREADTOOLS_H
+#ifndef ARXIUM_TESTS_SUPPORT_THREADS_H
+#define ARXIUM_TESTS_SUPPORT_THREADS_H
 
 #include <atomic>
 #include <thread>
