@@ -39,7 +39,7 @@ void expectHurledCopy(Error original, std::string const& shown)
 TEST(NEBThrowable, HurlsACopyOfItsOwnClassThatHoldsTheTrace)
 {
     expectHurledCopy(NEBException(2, "text"), "NEBException: text");
-    expectHurledCopy(NEBException(5), "NEBException: ");
+    expectHurledCopy(NEBException(5), "NEBException: no messages");
     expectHurledCopy(NEBAssertError(0, "NEB_ASSERT(x);"), "NEBAssertError: NEB_ASSERT(x);");
     expectHurledCopy(NEBOutOfMemoryError(0, nullptr), "NEBOutOfMemoryError: ");
     expectHurledCopy(NEBStdExceptionError(std::runtime_error("what")), "NEBStdExceptionError: what");
