@@ -1,46 +1,55 @@
+// OpenSSL calls SHA256_* deprecated but keeps it; EVP_MAC is what it wants used.
+#define OPENSSL_SUPPRESS_DEPRECATED
+
 #include "KRY_Crypto_Interface/KRYSigner.h"
 
-#include <openssl/core_names.h>
-#include <openssl/params.h>
+#include <openssl/crypto.h>
 
-#include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYKeyDerivation.h"
 
 namespace
 {
 constexpr char s_salt[] = "KRY-CSKHMAC-1";
 
-EVP_MAC_CTX* newHmac()
+SHA256_CTX startHash(KRYSecret const& key, unsigned char pad)
 {
-    std::unique_ptr<EVP_MAC, decltype(&EVP_MAC_free)> const hmac(EVP_MAC_fetch(nullptr, "HMAC", nullptr),
-                                                                 EVP_MAC_free);
-    requireCrypto(hmac != nullptr, "EVP_MAC_fetch");
-    return EVP_MAC_CTX_new(hmac.get());
+    std::array<unsigned char, SHA256_CBLOCK> block;
+    block.fill(pad);
+    for (std::size_t i = 0; i < KRYSecret::s_size; ++i)
+        block[i] ^= key.data()[i];
+    SHA256_CTX state;
+    SHA256_Init(&state);
+    SHA256_Update(&state, block.data(), block.size());
+    OPENSSL_cleanse(block.data(), block.size());
+    return state;
+}
+
+KRYSigner::Digest finishHash(SHA256_CTX state, void const* data, std::size_t size)
+{
+    KRYSigner::Digest digest;
+    SHA256_Update(&state, data, size);
+    SHA256_Final(digest.data(), &state);
+    OPENSSL_cleanse(&state, sizeof state);
+    return digest;
 }
 }  // namespace
 
 KRYSigner::KRYSigner(KRYSecret const& masterKey, std::string const& serviceID)
-    : m_context(newHmac(), EVP_MAC_CTX_free)
 {
-    requireCrypto(m_context != nullptr, "EVP_MAC_CTX_new");
     KRYSecret key;
     KRYKeyDerivation::derive(masterKey, s_salt, serviceID, key);
-    char digest[] = "SHA2-256";
-    OSSL_PARAM const parameters[] = {OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, digest, 0),
-                                     OSSL_PARAM_construct_end()};
-    requireCrypto(EVP_MAC_init(m_context.get(), key.data(), KRYSecret::s_size, parameters) == 1,
-                  "EVP_MAC_init");
+    m_inner = startHash(key, 0x36);
+    m_outer = startHash(key, 0x5C);
 }
 
-KRYSigner::Digest KRYSigner::sign(char const* data, std::uint32_t size)
+KRYSigner::~KRYSigner()
 {
-    Digest digest;
-    std::size_t digestSize = 0;
-    auto const* const bytes = reinterpret_cast<unsigned char const*>(data);
-    requireCrypto(EVP_MAC_init(m_context.get(), nullptr, 0, nullptr) == 1 &&
-                      EVP_MAC_update(m_context.get(), bytes, size) == 1 &&
-                      EVP_MAC_final(m_context.get(), digest.data(), &digestSize, digest.size()) == 1 &&
-                      digestSize == digest.size(),
-                  "EVP_MAC");
-    return digest;
+    OPENSSL_cleanse(&m_inner, sizeof m_inner);
+    OPENSSL_cleanse(&m_outer, sizeof m_outer);
+}
+
+KRYSigner::Digest KRYSigner::sign(char const* data, std::uint32_t size) const
+{
+    Digest const inner = finishHash(m_inner, data, size);
+    return finishHash(m_outer, inner.data(), inner.size());
 }
