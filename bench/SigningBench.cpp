@@ -10,6 +10,7 @@
 #include <openssl/evp.h>
 #include <openssl/params.h>
 
+#include "NEBCore/NEBThreadCriticalSection.h"
 #include "url/ARXUriDispatchHelper.h"
 
 #ifdef ARXIUM_BENCH_POCO
@@ -54,21 +55,37 @@ MacContext makeKeyedContext()
     return context;
 }
 
-void limitReinit(benchmark::State& state)
+void signBoth(benchmark::State& state, EVP_MAC_CTX* context, NEBThreadLockableResource* lock)
 {
-    MacContext const context = makeKeyedContext();
     std::string const texts[] = {fileName(), fileName() + s_sessionID};
     unsigned char digest[32];
     std::size_t size;
     for (auto _ : state)
         for (std::string const& text : texts)
         {
-            EVP_MAC_init(context.get(), nullptr, 0, nullptr);
-            EVP_MAC_update(context.get(), reinterpret_cast<unsigned char const*>(text.data()), text.size());
-            EVP_MAC_final(context.get(), digest, &size, sizeof digest);
+            if (lock)
+                lock->lock();
+            EVP_MAC_init(context, nullptr, 0, nullptr);
+            EVP_MAC_update(context, reinterpret_cast<unsigned char const*>(text.data()), text.size());
+            EVP_MAC_final(context, digest, &size, sizeof digest);
+            if (lock)
+                lock->unlock();
             benchmark::DoNotOptimize(digest);
         }
     state.SetItemsProcessed(state.iterations());
+}
+
+void limitReinit(benchmark::State& state)
+{
+    signBoth(state, makeKeyedContext().get(), nullptr);
+}
+
+// All threads by one context, as they share one session.
+void limitShared(benchmark::State& state)
+{
+    static MacContext const s_context = makeKeyedContext();
+    static NEBThreadCriticalSection s_lock(0);
+    signBoth(state, s_context.get(), &s_lock);
 }
 
 #ifdef ARXIUM_BENCH_POCO
@@ -104,6 +121,7 @@ BENCHMARK(ours)->Name("SignedUrl/ours");
 BENCHMARK(limitReinit)->Name("SignedUrl/limit-reinit");
 BENCHMARK(ours)->Name("SignedUrlThreads/ours")->Apply(oneAndTwo);
 BENCHMARK(limitReinit)->Name("SignedUrlThreads/limit-reinit")->Apply(oneAndTwo);
+BENCHMARK(limitShared)->Name("SignedUrlThreads/limit-shared-reinit")->Apply(oneAndTwo);
 #ifdef ARXIUM_BENCH_POCO
 BENCHMARK(poco)->Name("SignedUrl/peer-poco");
 #endif

@@ -8,13 +8,18 @@
 #include "NEBCore/NEBOutOfMemoryError.h"
 
 NEBByteBuffer::NEBByteBuffer(std::size_t initialSize, std::size_t increment)
-    : m_initialSize(initialSize), m_increment(increment), m_bytes(nullptr), m_count(0), m_capacity(0)
+    : m_initialSize(initialSize),
+      m_increment(increment),
+      m_bytes(m_ownRoom),
+      m_count(0),
+      m_capacity(sizeof m_ownRoom)
 {
 }
 
 NEBByteBuffer::~NEBByteBuffer()
 {
-    std::free(m_bytes);
+    if (m_bytes != m_ownRoom)
+        std::free(m_bytes);
 }
 
 void NEBByteBuffer::appendChars(char const* bytes, std::size_t size)
@@ -23,7 +28,7 @@ void NEBByteBuffer::appendChars(char const* bytes, std::size_t size)
         return;
     if (size > m_capacity - m_count)
     {
-        bool const isOwn = m_bytes && bytes >= m_bytes && bytes < m_bytes + m_capacity;
+        bool const isOwn = bytes >= m_bytes && bytes < m_bytes + m_capacity;
         std::ptrdiff_t const offset = isOwn ? bytes - m_bytes : 0;
         grow(size > SIZE_MAX - m_count ? SIZE_MAX : m_count + size);
         bytes = isOwn ? m_bytes + offset : bytes;
@@ -43,9 +48,12 @@ void NEBByteBuffer::grow(std::size_t size)
     // No object is larger than PTRDIFF_MAX, so the sums below it can't wrap.
     std::size_t const growth = std::min<std::size_t>(std::max(m_increment, m_capacity), PTRDIFF_MAX);
     std::size_t const wanted = std::max({size, m_initialSize, m_capacity + growth});
-    void* grown = size > PTRDIFF_MAX ? nullptr : std::realloc(m_bytes, wanted);
+    bool const isOwn = m_bytes == m_ownRoom;
+    void* grown = size > PTRDIFF_MAX ? nullptr : std::realloc(isOwn ? nullptr : m_bytes, wanted);
     if (!grown)
         NEBOutOfMemoryError(0, nullptr).hurl(NEB_HERE, nullptr, "NEB_THROW");
+    if (isOwn)
+        std::memcpy(grown, m_ownRoom, sizeof m_ownRoom);
     m_bytes = static_cast<char*>(grown);
     m_capacity = wanted;
 }

@@ -12,8 +12,8 @@
 class NEBCORE_API NEBByteBuffer
 {
 public:
-    // Both in bytes: the room of the first allocation, made when it is first needed, and the least by which
-    // it grows.
+    // Both in bytes: the room of the first allocation, made when 256 bytes are not enough, and the least by
+    // which it grows.
     NEBByteBuffer(std::size_t initialSize, std::size_t increment);
     ~NEBByteBuffer();
 
@@ -22,7 +22,7 @@ public:
 
     // Empties the buffer; its room stays.
     void reset() { m_count = 0; }
-    // The bytes, not terminated; null before the first allocation. Valid until the buffer grows.
+    // The bytes, not terminated, never null. Valid until the buffer grows.
     char* str() { return m_bytes; }
     char const* str() const { return m_bytes; }
     // The number of bytes held.
@@ -58,9 +58,10 @@ private:
 
     std::size_t m_initialSize;
     std::size_t m_increment;
-    char* m_bytes;  // from malloc; null before the first growth
+    char* m_bytes;  // m_ownRoom, or from malloc
     std::size_t m_count;
     std::size_t m_capacity;
+    char m_ownRoom[256];  // spares short contents an allocation
 };
 
 #endif

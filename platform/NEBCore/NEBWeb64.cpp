@@ -1,11 +1,22 @@
 #include "NEBCore/NEBWeb64.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 namespace
 {
 char constexpr s_alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+
+// The four digits of 24 bits.
+char* putGroup(char* target, int bits)
+{
+    target[0] = s_alphabet[bits >> 18];
+    target[1] = s_alphabet[bits >> 12 & 0x3F];
+    target[2] = s_alphabet[bits >> 6 & 0x3F];
+    target[3] = s_alphabet[bits & 0x3F];
+    return target + 4;
+}
 }  // namespace
 
 std::size_t NEBWeb64EncodedSize(std::size_t size, int)
@@ -17,15 +28,14 @@ std::size_t NEBWeb64EncodedSize(std::size_t size, int)
 void NEBWeb64Encode(void const* data, std::size_t size, char* target, int)
 {
     auto const* bytes = static_cast<unsigned char const*>(data);
-    auto const put = [&target](std::uint32_t bits, std::size_t digits)
-    {
-        for (int shift = 18; digits > 0; --digits, shift -= 6)
-            *target++ = s_alphabet[bits >> shift & 0x3F];
-    };
     for (; size >= 3; size -= 3, bytes += 3)
-        put(static_cast<std::uint32_t>(bytes[0] << 16 | bytes[1] << 8 | bytes[2]), 4);
+        target = putGroup(target, bytes[0] << 16 | bytes[1] << 8 | bytes[2]);
     if (size > 0)
-        put(static_cast<std::uint32_t>(bytes[0] << 16 | (size == 2 ? bytes[1] << 8 : 0)), size + 1);
+    {
+        char last[4];
+        putGroup(last, bytes[0] << 16 | (size == 2 ? bytes[1] << 8 : 0));
+        target = std::copy_n(last, size + 1, target);
+    }
     *target = '\0';
 }
 
