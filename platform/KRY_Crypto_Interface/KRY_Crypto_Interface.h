@@ -53,8 +53,8 @@ extern "C"
     // Sets what the session does from now on, by one of four documents (`<setInfoDocument>` around):
     // - `<action>CSKHMAC</action><dataLocation>memory</dataLocation>`: KRY_ProtectData signs.
     // - `<action>CipherStream</action><fileOutput>NAME</fileOutput>`: KRY_ProtectData appends to a new
-    //   encrypted file. It has its name only when it is finished, and until then the name's old file stays. NAME is raw
-    //   bytes. Refused if something else than a regular file has the name.
+    //   encrypted file. It has its name only when it is finished, and until then the name's old file stays.
+    //   NAME is raw bytes. Refused if something else than a regular file has the name.
     // - `<dataLocation>file</dataLocation>`, the closing document: the next KRY_ProtectData, without data,
     //   finishes the file. No error if no file is being written; that call then succeeds too.
     // - `<action>DecipherStream</action><fileInput>NAME</fileInput>`: KRY_UnprotectData reads such a file.
