@@ -1,5 +1,6 @@
 #include "path/ARXFmDir.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <utility>
@@ -164,9 +165,8 @@ void ARXFmDir::mySplitPath(std::string_view& path, std::string_view& head, std::
 {
     NEB_ASSERT_NAMED(!path.empty(), "Path may not be empty.");
     removeTrailingDirectorySeparator(path);
-    std::size_t tailStart = path.size();
-    while (tailStart > 0 && !isPathSeparator(path[tailStart - 1]))
-        --tailStart;
+    auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isPathSeparator).base();
+    auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
 
     tail = path.substr(tailStart);
     head = path.substr(0, tailStart);

@@ -1,7 +1,6 @@
 #include "path/ARXFmDir.h"
 
 #include <iterator>
-#include <utility>
 
 #include "NEBCore/NEBFmDir.h"
 #include "frame/ARXAssert.h"
@@ -51,15 +50,14 @@ void ARXFmDir::ARXFmDirPathParts::removeParentDir()
 
 void ARXFmDir::ARXFmDirPathParts::getPath(std::string& out) const
 {
-    // Room for all at once: growing step by step would cost several allocations.
+    // Room for all at once: growing step by step would cost several allocations. Had before out changes.
     std::size_t size = m_drive.size();
     for (std::string const& part : m_parts)
         size += part.size() + 1;
 
-    std::string path;
-    path.reserve(size);
+    out.reserve(size);
+    out.clear();
     for (std::string const& part : m_parts)
-        NEBFmDir::joinPath(path, part);
-    path.insert(0, m_drive);  // only now: a drive in front would gain a separator
-    out = std::move(path);
+        NEBFmDir::joinPath(out, part);
+    out.insert(0, m_drive);  // only now: a drive in front would gain a separator
 }
