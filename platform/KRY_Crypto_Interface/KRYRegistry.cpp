@@ -25,7 +25,7 @@ void* KRYRegistry::add(std::unique_ptr<KRYSession> session)
 {
     std::uint64_t token = 0;
     Slot& slot = takeFreeSlot(token);
-    std::lock_guard<std::mutex> const guard(slot.m_lock);
+    std::lock_guard<KRYSlotLock> const guard(slot.m_lock);
     slot.m_session = std::move(session);
     slot.m_token = token;
     static_assert(sizeof(void*) == sizeof token, "a token fills a pointer");
@@ -53,7 +53,7 @@ void KRYRegistry::closeAll()
     for (std::size_t index = 0; index < count; ++index)
     {
         Slot& slot = slotAt(index);
-        std::unique_lock<std::mutex> guard(slot.m_lock);
+        std::unique_lock<KRYSlotLock> guard(slot.m_lock);
         if (std::exchange(slot.m_token, 0) == 0)
             continue;
         slot.m_session.reset();

@@ -15,6 +15,7 @@
 #include <mutex>
 
 #include "KRY_Crypto_Interface/KRYSession.h"
+#include "KRY_Crypto_Interface/KRYSlotLock.h"
 
 class KRYRegistry
 {
@@ -32,7 +33,7 @@ public:
 
     private:
         Slot& m_slot;
-        std::unique_lock<std::mutex> m_guard;
+        std::lock_guard<KRYSlotLock> m_guard;
     };
 
     KRYRegistry() = default;
@@ -52,7 +53,7 @@ private:
     // A cache line of its own keeps sessions of different threads apart.
     struct alignas(64) Slot
     {
-        std::mutex m_lock;
+        KRYSlotLock m_lock;
         std::size_t m_index = 0;
         std::uint64_t m_token = 0;  // 0: closed
         std::unique_ptr<KRYSession> m_session;
