@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -55,7 +56,14 @@ MacContext makeKeyedContext()
     return context;
 }
 
-void signBoth(benchmark::State& state, EVP_MAC_CTX* context, NEBThreadLockableResource* lock)
+struct NoLock
+{
+    void lock() {}
+    void unlock() {}
+};
+
+template <class Lock>
+void signBoth(benchmark::State& state, EVP_MAC_CTX* context, Lock& lock)
 {
     std::string const texts[] = {fileName(), fileName() + s_sessionID};
     unsigned char digest[32];
@@ -63,13 +71,10 @@ void signBoth(benchmark::State& state, EVP_MAC_CTX* context, NEBThreadLockableRe
     for (auto _ : state)
         for (std::string const& text : texts)
         {
-            if (lock)
-                lock->lock();
+            std::lock_guard<Lock> const guard(lock);
             EVP_MAC_init(context, nullptr, 0, nullptr);
             EVP_MAC_update(context, reinterpret_cast<unsigned char const*>(text.data()), text.size());
             EVP_MAC_final(context, digest, &size, sizeof digest);
-            if (lock)
-                lock->unlock();
             benchmark::DoNotOptimize(digest);
         }
     state.SetItemsProcessed(state.iterations());
@@ -77,7 +82,8 @@ void signBoth(benchmark::State& state, EVP_MAC_CTX* context, NEBThreadLockableRe
 
 void limitReinit(benchmark::State& state)
 {
-    signBoth(state, makeKeyedContext().get(), nullptr);
+    NoLock none;
+    signBoth(state, makeKeyedContext().get(), none);
 }
 
 // All threads by one context, as they share one session.
@@ -85,7 +91,7 @@ void limitShared(benchmark::State& state)
 {
     static MacContext const s_context = makeKeyedContext();
     static NEBThreadCriticalSection s_lock(0);
-    signBoth(state, s_context.get(), &s_lock);
+    signBoth(state, s_context.get(), s_lock);
 }
 
 #ifdef ARXIUM_BENCH_POCO
