@@ -38,8 +38,7 @@ public:
         // Takes each ".." away with the name before it; the ones without a name stay. A ".." that would take
         // away the root "/" is a failed assertion.
         void removeParentDir();
-        // Replaces out, which must be none of the strings here, by the drive prefix and the elements, joined
-        // as NEBFmDir::joinPath does.
+        // Replaces out by the drive prefix and the elements, joined as NEBFmDir::joinPath does.
         void getPath(std::string& out) const;
 
         std::string m_drive;  // empty, or the letter in lower case and ":"

@@ -1,6 +1,7 @@
 #include "path/ARXFmDir.h"
 
 #include <iterator>
+#include <utility>
 
 #include "NEBCore/NEBFmDir.h"
 #include "frame/ARXAssert.h"
@@ -50,14 +51,15 @@ void ARXFmDir::ARXFmDirPathParts::removeParentDir()
 
 void ARXFmDir::ARXFmDirPathParts::getPath(std::string& out) const
 {
-    // Room for all at once: growing step by step would cost several allocations. Had before out changes.
+    // Room for all at once: growing step by step would cost several allocations.
     std::size_t size = m_drive.size();
     for (std::string const& part : m_parts)
         size += part.size() + 1;
 
-    out.reserve(size);
-    out.clear();
+    std::string path;
+    path.reserve(size);
     for (std::string const& part : m_parts)
-        NEBFmDir::joinPath(out, part);
-    out.insert(0, m_drive);  // only now: a drive in front would gain a separator
+        NEBFmDir::joinPath(path, part);
+    path.insert(0, m_drive);  // only now: a drive in front would gain a separator
+    out = std::move(path);
 }

@@ -99,7 +99,7 @@ void moveBytes(unsigned char* target, void const* source, std::uint64_t size)
 }
 
 // The checksum of a folded copy, piece by piece, is that of one folded byte after the other in less than half
-// the time. The C library's table behind tolower halves it again; it leaves alone what isupper doesn't know.
+// the time. glibc's table behind tolower halves it again; it leaves alone what isupper doesn't know.
 std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
 {
     std::int32_t const* const lower = *__ctype_tolower_loc();

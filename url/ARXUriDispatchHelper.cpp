@@ -74,9 +74,8 @@ void ARXUriDispatchHelper::generateByteServingUrlFromBasePath(std::string const&
     encryptHMAC(name.data(), name.size(), sessionDigest);
     Web64Text const session(ARXHelper::createWeb64(sessionDigest));
 
-    static I18NString const& s_dispatcherKey = *new I18NString("dispatcherID");  // never destroyed
     I18NString const dispatcher =
-        NEBConfigurationFactory::getInstance().getConfigurationValue(s_dispatcherKey, nullptr);
+        NEBConfigurationFactory::getInstance().getConfigurationValue("dispatcherID", nullptr);
     appendPieces(url, {"?b_action=dc&f=", file.get(), "&k=", key.get(), "&s=", session.get(),
                        "&did=", toText(dispatcher)});
 }

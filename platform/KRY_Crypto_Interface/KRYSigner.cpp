@@ -1,4 +1,5 @@
-// OpenSSL calls SHA256_* deprecated but keeps it; EVP_MAC is what it wants used.
+// SHA256_*, which always succeeds, is deprecated, but EVP has no state that can be copied without an
+// allocation.
 #define OPENSSL_SUPPRESS_DEPRECATED
 
 #include "KRY_Crypto_Interface/KRYSigner.h"
@@ -11,26 +12,16 @@ namespace
 {
 constexpr char s_salt[] = "KRY-CSKHMAC-1";
 
-SHA256_CTX startHash(KRYSecret const& key, unsigned char pad)
+// Writes in place: a state that is handed back would leave a copy of itself behind.
+void startHash(SHA256_CTX& state, KRYSecret const& key, unsigned char pad)
 {
     std::array<unsigned char, SHA256_CBLOCK> block;
     block.fill(pad);
     for (std::size_t i = 0; i < KRYSecret::s_size; ++i)
         block[i] ^= key.data()[i];
-    SHA256_CTX state;
     SHA256_Init(&state);
     SHA256_Update(&state, block.data(), block.size());
     OPENSSL_cleanse(block.data(), block.size());
-    return state;
-}
-
-KRYSigner::Digest finishHash(SHA256_CTX state, void const* data, std::size_t size)
-{
-    KRYSigner::Digest digest;
-    SHA256_Update(&state, data, size);
-    SHA256_Final(digest.data(), &state);
-    OPENSSL_cleanse(&state, sizeof state);
-    return digest;
 }
 }  // namespace
 
@@ -38,8 +29,8 @@ KRYSigner::KRYSigner(KRYSecret const& masterKey, std::string const& serviceID)
 {
     KRYSecret key;
     KRYKeyDerivation::derive(masterKey, s_salt, serviceID, key);
-    m_inner = startHash(key, 0x36);
-    m_outer = startHash(key, 0x5C);
+    startHash(m_inner, key, 0x36);
+    startHash(m_outer, key, 0x5C);
 }
 
 KRYSigner::~KRYSigner()
@@ -50,6 +41,13 @@ KRYSigner::~KRYSigner()
 
 KRYSigner::Digest KRYSigner::sign(char const* data, std::uint32_t size) const
 {
-    Digest const inner = finishHash(m_inner, data, size);
-    return finishHash(m_outer, inner.data(), inner.size());
+    Digest digest;
+    SHA256_CTX state = m_inner;
+    SHA256_Update(&state, data, size);
+    SHA256_Final(digest.data(), &state);
+    state = m_outer;
+    SHA256_Update(&state, digest.data(), digest.size());
+    SHA256_Final(digest.data(), &state);
+    OPENSSL_cleanse(&state, sizeof state);
+    return digest;
 }

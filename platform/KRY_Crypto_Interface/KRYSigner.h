@@ -1,4 +1,5 @@
-// Signs data in memory by HMAC-SHA-256 (RFC 2104) under a key of the service's own.
+// Signs data in memory by HMAC-SHA-256 (RFC 2104) under a key of the service's own. Any number of threads may
+// sign at once.
 //
 // The key is HKDF of the master key with the salt "KRY-CSKHMAC-1" and the service id as info, so whoever has
 // the key file can check a digest without this library:
@@ -34,9 +35,9 @@ public:
     Digest sign(char const* data, std::uint32_t size) const;
 
 private:
-    // The two hashes of HMAC behind their first block, the key's, never written again. An EVP_MAC_CTX is
-    // written by each signature, and its cache lines wander between the threads that share a session: each
-    // took twice as long, and two threads together signed fewer URLs than one.
+    // The states of HMAC's two hashes after the key's block, which signing only reads. An EVP_MAC_CTX is
+    // written by each signature, and its cache lines wander between the threads that share a session: a
+    // signature took twice as long, and two threads together signed fewer URLs than one.
     SHA256_CTX m_inner;
     SHA256_CTX m_outer;
 };

@@ -18,7 +18,7 @@ NEBByteBuffer::NEBByteBuffer(std::size_t initialSize, std::size_t increment)
 
 NEBByteBuffer::~NEBByteBuffer()
 {
-    if (m_bytes != m_ownRoom)
+    if (hasBlock())
         std::free(m_bytes);
 }
 
@@ -48,11 +48,10 @@ void NEBByteBuffer::grow(std::size_t size)
     // No object is larger than PTRDIFF_MAX, so the sums below it can't wrap.
     std::size_t const growth = std::min<std::size_t>(std::max(m_increment, m_capacity), PTRDIFF_MAX);
     std::size_t const wanted = std::max({size, m_initialSize, m_capacity + growth});
-    bool const isOwn = m_bytes == m_ownRoom;
-    void* grown = size > PTRDIFF_MAX ? nullptr : std::realloc(isOwn ? nullptr : m_bytes, wanted);
+    void* grown = size > PTRDIFF_MAX ? nullptr : std::realloc(hasBlock() ? m_bytes : nullptr, wanted);
     if (!grown)
         NEBOutOfMemoryError(0, nullptr).hurl(NEB_HERE, nullptr, "NEB_THROW");
-    if (isOwn)
+    if (!hasBlock())
         std::memcpy(grown, m_ownRoom, sizeof m_ownRoom);
     m_bytes = static_cast<char*>(grown);
     m_capacity = wanted;

@@ -54,6 +54,7 @@ public:
     }
 
 private:
+    bool hasBlock() const { return m_bytes != m_ownRoom; }
     void grow(std::size_t size);
 
     std::size_t m_initialSize;

@@ -2,18 +2,18 @@
 
 namespace
 {
-// Some five microseconds in all, about what it costs to be put to sleep and woken.
+// A few microseconds in all, about what it costs to be put to sleep and woken.
 int constexpr s_tries = 50;
 int constexpr s_pausesPerTry = 8;  // a try takes the lock's cache line away from its holder
 
+#if defined(__x86_64__)
 void pauseProcessor()
 {
-#if defined(__x86_64__) || defined(__i386__)
     __builtin_ia32_pause();
-#elif defined(__aarch64__)
-    asm volatile("yield");
-#endif
 }
+#else
+void pauseProcessor() {}
+#endif
 }  // namespace
 
 void NEBThreadCriticalSection::waitAndLock()
