@@ -4,7 +4,9 @@
 #ifndef ARXIUM_TESTS_PATH_PATHMODEL_H
 #define ARXIUM_TESTS_PATH_PATHMODEL_H
 
+#include <algorithm>
 #include <cctype>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,24 +18,16 @@ inline bool modelHasDrive(std::string const& path)
 // Empty for a path that has none.
 inline std::string modelNormalizedPath(std::string path)
 {
-    std::string drive;
+    std::string drive, joined;
     if (modelHasDrive(path))
-    {
-        drive = {static_cast<char>(std::tolower(static_cast<unsigned char>(path[0]))), ':'};
-        path.erase(0, 2);
-    }
+        drive = {static_cast<char>(path[0] | 0x20), ':'}, path.erase(0, 2);
     std::vector<std::string> stack;
-    std::string element;
-    path += '/';
-    for (std::size_t i = 0; i < path.size(); ++i)
+    if (path.find_first_of("/\\") == 0)
+        stack.emplace_back(1, path[0]);  // the root, as spelled
+    std::replace(path.begin(), path.end(), '\\', '/');
+    std::istringstream elements(path);
+    for (std::string element; std::getline(elements, element, '/');)
     {
-        if (path[i] != '/' && path[i] != '\\')
-        {
-            element += path[i];
-            continue;
-        }
-        if (i == 0 && path.size() > 1)
-            stack.emplace_back(1, path[i]);  // the root, as spelled
         bool const takesOneOff = element == ".." && !stack.empty() && stack.back() != "..";
         if (takesOneOff && stack.back() == "/")
             return "";
@@ -41,9 +35,7 @@ inline std::string modelNormalizedPath(std::string path)
             stack.pop_back();
         else if (!element.empty() && element != ".")
             stack.push_back(element);
-        element.clear();
     }
-    std::string joined;
     for (std::string const& each : stack)
         joined += (joined.empty() || joined == "/" ? "" : "/") + (each == "\\" ? "/" : each);
     return drive.empty() && joined.empty() ? "." : drive + joined;

@@ -54,18 +54,14 @@ struct ARXOJDSecureFileOutputStreamTest : RecordedTest
 
 TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
 {
-    std::string const name = "a&<b>\xE9",
-                      cipher = "<setInfoDocument><action>CipherStream</action><fileOutput>",
-                      end = "</fileOutput></setInfoDocument>",
-                      session =
-                          "PersistentInitialize <sessionConfigDocument>"
-                          "<serviceID>ARXIUM</serviceID></sessionConfigDocument>, SetInfo ";
-    auto const finish = [](std::string const& s)
-    {
-        return ", SetInfo " + s +
-               " <setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>, ProtectData " + s +
-               " , CloseHandle " + s;
-    };
+    std::string const
+        name = "a&<b>\xE9",
+        cipher = "<setInfoDocument><action>CipherStream</action><fileOutput>",
+        end = "</fileOutput></setInfoDocument>",
+        session =
+            "PersistentInitialize <sessionConfigDocument>"
+            "<serviceID>ARXIUM</serviceID></sessionConfigDocument>, SetInfo ",
+        close = " <setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>, ProtectData ";
     m_recorder.m_settings["fileEncryption"] = "on";
     {
         Stream stream;
@@ -74,11 +70,13 @@ TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
         stream.open(name.c_str());
         play(stream, "wz"), stream.write(nullptr, 5), play(stream, "cc");
         EXPECT_EQ("configuration fileEncryption, " + session + "S1 " + cipher + name + end +
-                      ", ProtectData S1 a" + finish("S1"),
+                      ", ProtectData S1 a, SetInfo S1" + close + "S1 , CloseHandle S1",
                   m_recorder.takeStory());
         stream.open(stream.getCipherDocInfo());
     }
-    EXPECT_EQ(session + "S2 " + cipher + cipher + name + end + end + finish("S2"), m_recorder.takeStory());
+    EXPECT_EQ(
+        session + "S2 " + cipher + cipher + name + end + end + ", SetInfo S2" + close + "S2 , CloseHandle S2",
+        m_recorder.takeStory());
 }
 
 TEST_F(ARXOJDSecureFileOutputStreamTest, APlainFileIsTheSettingsOtherValue)
@@ -126,8 +124,7 @@ TEST_F(ARXOJDSecureFileOutputStreamTest, AFailureHasItsTextAndLeavesItsState)
             m_recorder.reset();
             Stream stream;
             play(stream, steps.substr(0, steps.size() - 1));
-            Lines const raised = raisedBy([&, &last = steps.back()] { play(stream, {last}); });
-            EXPECT_EQ(text, raised.at(0));
+            EXPECT_EQ(text, raisedBy([&, &last = steps.back()] { play(stream, {last}); }).at(0));
             EXPECT_EQ(state, stateOf(stream)) << steps;
             play(stream, behind);
         }

@@ -28,11 +28,9 @@ struct RecordingOutputStream : OJDOutputStream
         else if (m_refuses > 0 && m_refuses--)
             throw std::runtime_error("refused");
         m_calls.push_back(call);
-        m_text += call;
     }
 
-    Lines m_calls;  // those that were not refused: the bytes of a write, or the name
-    std::string m_text;
+    Lines m_calls;                     // those that were not refused: the bytes of a write, or the name
     int m_accepts = 0, m_refuses = 0;  // calls before the first refusal, and refusals
 };
 

@@ -21,15 +21,13 @@ std::string encode(bool keepAscii, Input const&... input)
 using ARXHelperTest = RecordedTest;
 }  // namespace
 
-TEST_F(ARXHelperTest, EncodesUnits)
+TEST_F(ARXHelperTest, EncodesAllButLettersDigitsAndSixSigns)
 {
     std::tuple<std::u16string, char const*, char const*> const rows[] = {
         {u"", "", ""},
-        {u"a b+c", "a+b%2bc", "a b+c"},
-        {u"\u0080\u00E9\u07FF", "%c2%80%c3%a9%df%bf", "%c2%80%c3%a9%df%bf"},
-        {u"\u0800\u20AC\uFFFF", "%e0%a0%80%e2%82%ac%ef%bf%bf", "%e0%a0%80%e2%82%ac%ef%bf%bf"},
-        {u"\U0001F600", "%ed%a0%bd%ed%b8%80", "%ed%a0%bd%ed%b8%80"},
-    };
+        {u"a b+\u0080\u07FF", "a+b%2b%c2%80%df%bf", "a b+%c2%80%df%bf"},
+        {u"\u0800\uFFFF\U0001F600", "%e0%a0%80%ef%bf%bf%ed%a0%bd%ed%b8%80",
+         "%e0%a0%80%ef%bf%bf%ed%a0%bd%ed%b8%80"}};
     for (auto const& [units, encoded, kept] : rows)
     {
         I18NString text;
@@ -37,22 +35,17 @@ TEST_F(ARXHelperTest, EncodesUnits)
         EXPECT_EQ(encoded, encode(false, text));
         EXPECT_EQ(kept, encode(true, text));
     }
-    EXPECT_EQ("", encode(false, nullptr, 0u));
-    EXPECT_EQ("", encode(false, "a", 1u));
+    EXPECT_EQ("", encode(false, nullptr, 0u) + encode(false, "a", 1u));
     EXPECT_EQ("beforeNEBAssertError: NEB_ASSERT(input); | url/ARXHelper.cpp NEB_THROW",
               encode(false, nullptr, 2u));
-}
 
-TEST_F(ARXHelperTest, PassesLettersDigitsSixSignsAndALongTextEqualsItsUnitsAtAnyAddress)
-{
     std::string const passed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789()*-._";
-    std::string expected, bytes = "x";
+    std::string expected, bytes = "x";  // a long text, which equals its units at any address
     for (char16_t unit = 0; unit < 0xFFFF; ++unit)
     {
         char escape[8];
         std::snprintf(escape, sizeof escape, "%%%02x", unsigned(unit));
-        std::string const kept(1, char(unit));
-        std::string const encoded = encode(false, &unit, 2u);
+        std::string const kept(1, char(unit)), encoded = encode(false, &unit, 2u);
         if (unit < 0x80)
         {
             EXPECT_EQ(passed.find(kept) + 1 ? kept : unit == u' ' ? "+" : escape, encoded);
@@ -61,9 +54,8 @@ TEST_F(ARXHelperTest, PassesLettersDigitsSixSignsAndALongTextEqualsItsUnitsAtAny
         expected += encoded;
         bytes.append(reinterpret_cast<char const*>(&unit), 2);
     }
-    std::string const even = bytes.substr(1);
-    EXPECT_EQ(expected, encode(false, even.data(), even.size()));
-    EXPECT_EQ(expected, encode(false, &bytes[1], bytes.size()));
+    for (std::string const& text : {bytes.substr(1), bytes})
+        EXPECT_EQ(expected, encode(false, &text[text.size() % 2], text.size() / 2 * 2));
 }
 
 TEST_F(ARXHelperTest, RewritesTextsAndReadsBasePaths)
@@ -75,20 +67,14 @@ TEST_F(ARXHelperTest, RewritesTextsAndReadsBasePaths)
         {cut, "a/b/c", "a/b/"},
         {cut, "a/b/", "a/b/"},
         {cut, "/abc", "/abc"},
-        {cut, "abc", "abc"},
         {cut, "\U0001F600/\U0001F600", "\U0001F600/"},
-        {fix, "a/b c/d e", "a\\\"b c\"\\\"d e\""},
+        {fix, "/b c/d e", "\\\"b c\"\\\"d e\""},
         {fix, "a b/", "\"a b\"\\"},
-        {fix, "/x", "\\x"},
-        {fix, "a\tb", "a\tb"},
         {fix, "a\\/ \"", "a\\\\\" \"\""},
         {fix, "", ""},
-        {[](I18NString& path) { ARXHelper::getGatewayBasePath(path, false); }, "before", "http://gate/x"},
-        {[](I18NString& path) { ARXHelper::getGatewayBasePath(path, true); }, "before", "http://gate/"},
-        {[](I18NString& path) { ARXHelper::getBasePath(path, false); }, "before", "http://gate/x"},
-        {[](I18NString& path) { ARXHelper::getBasePath(path, true); }, "before", "http://gate/"},
-        {ARXHelper::getExternalDispatcherBasePath, "before", "http://disp/x"},
-    };
+        {[](auto& path) { ARXHelper::getGatewayBasePath(path, false); }, "before", "http://gate/x"},
+        {[](auto& path) { ARXHelper::getBasePath(path, true); }, "before", "http://gate/"},
+        {ARXHelper::getExternalDispatcherBasePath, "before", "http://disp/x"}};
     for (auto const& [operation, before, after] : rows)
     {
         I18NString text(before);

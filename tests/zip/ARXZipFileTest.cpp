@@ -14,12 +14,12 @@ void open(Zip archive, char const* name, int level = 6)
     archive.openNewFileInZip(name, nullptr, nullptr, ARXZipFile::compressDeflated, level);
 }
 
-Names namesIn(char const* archive)
+std::string namesIn(char const* archive)
 {
-    Names names(1);
+    std::string names, name;
     ARXZipInputStream stream(archive);
-    while (stream.getCurrentEntryName(names.back()) && stream.getNextEntry())
-        names.emplace_back();
+    for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
+        names += (stream.getCurrentEntryName(name), name) + " ";
     return names;
 }
 
@@ -28,71 +28,48 @@ struct ARXZipFileTest : ZipTest
     ARXZipFile m_archive;
 };
 
-// What the object shows of its state: closed, archive open, entry open. The question ends it.
-enum State
-{
-    C,
-    A,
-    E
-};
-
-State stateOf(Zip archive)
+// What the object shows of its state: closed, archive open or entry open. The question ends it.
+char stateOf(Zip archive)
 {
     bool const isEntry = failureOf([&] { write(archive, "x"); }) == "none";
-    return isEntry ? E : failureOf([&] { open(archive, "new"); }) == "none" ? A : C;
+    return isEntry ? 'E' : failureOf([&] { open(archive, "new"); }) == "none" ? 'A' : 'C';
 }
 
 #define NAME_NULL "NEB_ASSERT(fileName != NULL);"
 #define FAILED(code) \
-    "ARXException: Unable to open new file in zip file: \n" code " @ARXZipFile::openNewFileInZip"
-#define NO_FILE "ARXException: No file currently open in zip file. @ARXZipFile::"
+    "ARXException: Unable to open new file in zip file: \n" code " ARXZipFile::openNewFileInZip"
+#define NO_FILE "ARXException: No file currently open in zip file. ARXZipFile::"
 
 TEST_F(ARXZipFileTest, FailuresHaveTheirTextsAndLeaveTheirStates)
 {
     static char const* const s_null = nullptr;
     static std::string const s_long(65536, 'n');
-    std::tuple<State, State, std::string, void (*)(Zip)> const failures[] = {
-        {E, E, NAME_NULL, [](Zip z) { z.create(s_null); }},
-        {E, C, "ARXException: Unable to create zip file: \n/dev/null/x @ARXZipFile::initialize",
+    std::tuple<std::string, std::string, void (*)(Zip)> const failures[] = {
+        {"EE", NAME_NULL, [](Zip z) { z.create(s_null); }},
+        {"EC", "ARXException: Unable to create zip file: \n/dev/null/x ARXZipFile::initialize",
          [](Zip z) { z.create("/dev/null/x"); }},
-        {E, E, "NEB_ASSERT(fileName);", [](Zip z) { z.addFile(nullptr, ""); }},
-        {E, E, "NEB_ASSERT(exists);", [](Zip z) { z.addFile("missing", ""); }},
-        {E, E, "NEB_ASSERT(exists);", [](Zip z) { z.addFile("folder", ""); }},
-        {E, A, "NEB_ASSERT(0 < strlen(fileName));", [](Zip z) { z.addFile("file", "file"); }},
-        {C, C, "NEB_ASSERT(m_zipFile != NULL);", [](Zip z) { z.addFile("file", ""); }},
-        {E, E, NAME_NULL, [](Zip z) { open(z, s_null); }},
-        {E, A, FAILED("-102"), [](Zip z) { open(z, s_long.c_str()); }},
-        {E, A, FAILED("-2"), [](Zip z) { open(z, "n", -2); }},
-        {A, A, NO_FILE "writeInFileInZip", [](Zip z) { write(z, "x"); }},
-        {E, E, "NEB_ASSERT(nRet == ZIP_OK);", [](Zip z) { z.writeInFileInZip(nullptr, 1); }},
-        {A, A, NO_FILE "closeFileInZip", [](Zip z) { z.closeFileInZip(); }}};
+        {"EE", "NEB_ASSERT(fileName);", [](Zip z) { z.addFile(nullptr, ""); }},
+        {"EE", "NEB_ASSERT(exists);", [](Zip z) { z.addFile("missing", ""); }},
+        {"EE", "NEB_ASSERT(exists);", [](Zip z) { z.addFile("folder", ""); }},
+        {"EA", "NEB_ASSERT(0 < strlen(fileName));", [](Zip z) { z.addFile("file", "file"); }},
+        {"CC", "NEB_ASSERT(m_zipFile != NULL);", [](Zip z) { z.addFile("file", ""); }},
+        {"EE", NAME_NULL, [](Zip z) { open(z, s_null); }},
+        {"EA", FAILED("-102"), [](Zip z) { open(z, s_long.c_str()); }},
+        {"EA", FAILED("-2"), [](Zip z) { open(z, "n", -2); }},
+        {"AA", NO_FILE "writeInFileInZip", [](Zip z) { write(z, "x"); }},
+        {"EE", "NEB_ASSERT(nRet == ZIP_OK);", [](Zip z) { z.writeInFileInZip(nullptr, 1); }},
+        {"AA", NO_FILE "closeFileInZip", [](Zip z) { z.closeFileInZip(); }}};
     writeTree({{"file", ""}, {"folder/", ""}});
-    for (auto const& [before, after, text, call] : failures)
+    for (auto const& [states, text, call] : failures)
     {
         m_archive.create("out.zip");
-        if (before == E)
+        if (states[0] == 'E')
             open(m_archive, "first");
-        else if (before == C)
+        else if (states[0] == 'C')
             m_archive.close();
         EXPECT_EQ(text + " x1", failureOf([&, &call = call] { call(m_archive); }));
-        EXPECT_EQ(after, stateOf(m_archive)) << text;
+        EXPECT_EQ(states[1], stateOf(m_archive)) << text;
     }
-}
-
-TEST_F(ARXZipFileTest, EveryReaderReadsBackWhatWasWritten)
-{
-    writeTree({{"t/d/e/x", "1"}, {"t/none", ""}, {"t/zeros", std::string(300000, '\0')}});
-    ASSERT_TRUE(run("head -c 300000 /dev/urandom >t/noise"));
-    Tree const tree = readTree(".");
-    m_archive.create("out.zip");
-    m_archive.addDirectory("t", ".", true, true);
-    m_archive.close(), m_archive.close();
-    EXPECT_EQ((Names{"t/noise", "t/none", "t/zeros", "t/d/e/x"}), namesIn("out.zip"));
-    for (char const* reader :
-         {"unzip -t out.zip && unzip out.zip -d a", "7z t out.zip && 7z x -oa out.zip",
-          "bsdtar -tf out.zip && mkdir a && bsdtar -xf out.zip -C a", "python3 -m zipfile -e out.zip a"})
-        EXPECT_TRUE(run(reader) && tree == readTree("a") && run("rm -r a")) << reader;
-    EXPECT_TRUE(ARXUnzipFile::unzip("out.zip", "a", false) && tree == readTree("a"));
 }
 
 TEST_F(ARXZipFileTest, NamesFollowTheBaseAndTheFlags)
@@ -109,12 +86,12 @@ TEST_F(ARXZipFileTest, NamesFollowTheBaseAndTheFlags)
         m_archive.close();
         return namesIn("out.zip");
     };
-    EXPECT_EQ((Names{"0", "a", "sub/a", "sub/a"}), add("t", nullptr, true, false));
-    EXPECT_EQ((Names{"0", "a", "sub/a"}), add("t", nullptr, false, false));
-    EXPECT_EQ((Names{"0", "a", "a", "a", "sub/a"}), add("t", "", true, false));
-    EXPECT_EQ((Names{"0", "t/a", "t/sub/a", "a", "sub/a"}), add(".\\t", ".", true, false));
-    EXPECT_EQ((Names{"0", "a", "sub/a", "a", "sub/a"}), add("t/../t", "t", true, true));
-    EXPECT_EQ((Names{"0", "sub/a"}), add("missing", nullptr, true, false));
+    EXPECT_EQ("0 a sub/a sub/a ", add("t", nullptr, true, false));
+    EXPECT_EQ("0 a sub/a ", add("t", nullptr, false, false));
+    EXPECT_EQ("0 a a a sub/a ", add("t", "", true, false));
+    EXPECT_EQ("0 t/a t/sub/a a sub/a ", add(".\\t", ".", true, false));
+    EXPECT_EQ("0 a sub/a a sub/a ", add("t/../t", "t", true, true));
+    EXPECT_EQ("0 sub/a ", add("missing", nullptr, true, false));
 }
 
 TEST_F(ARXZipFileTest, TheArchiveItselfIsSkippedByItsPathAndEndsByAnother)
@@ -126,21 +103,33 @@ TEST_F(ARXZipFileTest, TheArchiveItselfIsSkippedByItsPathAndEndsByAnother)
     m_archive.addDirectory("t", nullptr, true, false);
     m_archive.close();
     m_archive.addFile("t/out.zip", "");
-    EXPECT_EQ(Names{"a"}, namesIn("t/out.zip"));
+    EXPECT_EQ("a ", namesIn("t/out.zip"));
 
     m_archive.create("t/../t/out.zip");
     m_archive.addDirectory("t", nullptr, true, true);
     m_archive.close();
-    EXPECT_EQ((Names{"a", "out.zip", "out.zip.bak"}), namesIn("t/out.zip"));
+    EXPECT_EQ("a out.zip out.zip.bak ", namesIn("t/out.zip"));
     EXPECT_TRUE(run("unzip -t t/out.zip"));
 }
 
-TEST_F(ARXZipFileTest, DatesAreLocalTimeAndComeBack)
+TEST_F(ARXZipFileTest, DatesAreLocalTimeAndComeBackAloneOrNotAtAll)
 {
     setenv("TMPDIR", "/dev/shm", 0);  // other file systems hold fewer years
     TemporaryFolder const folder;
     unsetenv("TMPDIR");
     CurrentFolder const current(folder.path());
+    struct stat status;
+    auto const setTimes = [](std::time_t time)
+    {
+        timespec const times[] = {{time, 123456789}, {time, 0}};
+        ASSERT_EQ(0, utimensat(AT_FDCWD, "f", times, 0));
+    };
+    auto const unzip = [&]
+    {
+        setTimes(1600000000);
+        ASSERT_TRUE(ARXUnzipFile::unzip("out.zip", nullptr, false) && stat("f", &status) == 0);
+        EXPECT_TRUE(status.st_atim.tv_sec == 1600000000 && status.st_atim.tv_nsec == 123456789);
+    };
     char const* const newYork = "EST5EDT,M3.2.0,M11.1.0";
     std::tuple<char const*, std::time_t, unsigned, std::time_t> const dates[] = {
         {"IST-5:30", 1700000001, 0x576F1D6A, 1700000000},  // 2023-11-15 03:43:20
@@ -154,14 +143,19 @@ TEST_F(ARXZipFileTest, DatesAreLocalTimeAndComeBack)
     {
         setenv("TZ", zone, 1);
         writeTree({{"f", "x"}});
-        timespec const times[] = {{time, 0}, {time, 0}};
-        ASSERT_EQ(0, utimensat(AT_FDCWD, "f", times, 0));
+        setTimes(time);
         m_archive.create("out.zip"), m_archive.addFile("f", nullptr), m_archive.close();
         ARXZipInputStream::zipEntry entry;
         ARXZipInputStream("out.zip").getCurrentEntryInfo(entry);
-        struct stat status;
-        ASSERT_TRUE(ARXUnzipFile::unzip("out.zip", nullptr, false) && stat("f", &status) == 0);
+        unzip();
         EXPECT_TRUE(entry.dosDate == dosDate && status.st_mtime == back) << zone << time;
+    }
+    // 30 February, month 0, and hour 24 are no dates: the time of the writing stays.
+    for (char const* date : {"\xD4\xB6\x5E\x5A", "\xD4\xB6\x11\x5A", "\xD4\xC6\x51\x5A"})
+    {
+        makeArchive({"f"}, {{12, date}});
+        unzip();
+        EXPECT_EQ(status.st_ctime, status.st_mtime);
     }
 }
 

@@ -9,42 +9,33 @@
 
 namespace
 {
+using Stream = ARXZipInputStream;
+
 std::size_t constexpr s_end = OJDInputStream::s_end;
 ZipCharBuffer s_buffer = {"abcde", 5, 0};
 
-FilePtr openFile(char const* path)
+zlib_filefunc_def_s& tableOver(ZipCharBuffer* buffer)
 {
-    return {std::fopen(path, "rb"), std::fclose};
-}
-
-zlib_filefunc_def_s tableOver(ZipCharBuffer* buffer)
-{
-    zlib_filefunc_def_s table;
-    fillZlibConstCharIO(&table, buffer);
-    return table;
+    static zlib_filefunc_def_s s_table;
+    fillZlibConstCharIO(&s_table, buffer);
+    return s_table;
 }
 
 TEST(ARXZipInputStream, FailuresHaveTheirTextsThroughEachLevel)
 {
     std::string const noFile = "NEB_ASSERT_NAMED(m_fileHandle, \"Unable to open file\"); x2",
                       noZip = "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x";
-    std::pair<std::string, void (*)()> const failures[] = {
-        {noFile, [] { ARXZipInputStream("/dev/null/x"); }},
-        {noFile, [] { ARXZipInputStream(static_cast<char const*>(nullptr)); }},
-        {noZip + "4", [] { ARXZipInputStream("/dev/null"); }},
-        {noZip + "3", [] { ARXZipInputStream(openFile("/dev/null").get()); }},
-        {noZip + "3", [] { ARXZipInputStream("x", 1); }},
-        {noZip + "2",
-         []
-         {
-             auto table = tableOver(&s_buffer);
-             ARXZipInputStream stream(&table);
-         }},
-        {"NEB_ASSERT(pFile); x3", [] { ARXZipInputStream(static_cast<std::FILE*>(nullptr)); }},
-        {"NEB_ASSERT_NAMED(pBuffer, \"Input stream may not be null\"); x2",
-         [] { ARXZipInputStream(nullptr, 1); }},
-        {"NEB_ASSERT_NAMED(size > 0, \"Input stream may not be empty.\"); x2",
-         [] { ARXZipInputStream("x", 0); }},
+    FilePtr const empty(std::fopen("/dev/null", "rb"), std::fclose);
+    std::pair<std::string, std::function<void()>> const failures[] = {
+        {noFile, [] { Stream("/dev/null/x"); }},
+        {noFile, [] { Stream(static_cast<char const*>(nullptr)); }},
+        {noZip + "4", [] { Stream("/dev/null"); }},
+        {noZip + "3", [&] { Stream(empty.get()); }},
+        {noZip + "3", [] { Stream("x", 1); }},
+        {noZip + "2", [] { Stream(&tableOver(&s_buffer)); }},
+        {"NEB_ASSERT(pFile); x3", [] { Stream(static_cast<std::FILE*>(nullptr)); }},
+        {"NEB_ASSERT_NAMED(pBuffer, \"Input stream may not be null\"); x2", [] { Stream(nullptr, 1); }},
+        {"NEB_ASSERT_NAMED(size > 0, \"Input stream may not be empty.\"); x2", [] { Stream("x", 0); }},
         {"NEB_ASSERT(pZipCharBuffer); x1", [] { tableOver(nullptr).zopen_file(nullptr, nullptr, 0); }},
         {"NEB_ASSERT(buf); x1", [] { tableOver(nullptr).zread_file(nullptr, &s_buffer, nullptr, 1); }},
         {"NEB_ASSERT_NAMED(false, \"Cannot write to const char* buffer\"); x1",
@@ -59,7 +50,7 @@ TEST(ARXZlibConstCharIO, SeeksOntoItsBytesAlone)
     long const seeks[][4] = {{3, 0, 0, 0},   {0, 4, 0, 4},   {3, 5, 0, -1}, {3, -1, 0, -1}, {1, 3, 1, 4},
                              {1, 4, 1, -1},  {5, 0, 1, -1},  {3, -1, 1, 2}, {1, 0, 2, 4},   {1, 1, 2, -1},
                              {1, -1, 2, -1}, {0, -1, 1, -1}, {2, 0, 3, -1}, {2, 0, -1, -1}};
-    zlib_filefunc_def_s const table = tableOver(&s_buffer);
+    zlib_filefunc_def_s const& table = tableOver(&s_buffer);
     for (auto const& [from, offset, origin, to] : seeks)
     {
         s_buffer.m_position = static_cast<std::size_t>(from);
@@ -69,14 +60,12 @@ TEST(ARXZlibConstCharIO, SeeksOntoItsBytesAlone)
     }
 }
 
-struct ARXZipInputStreamTest : ZipTest
-{
-};
+using ARXZipInputStreamTest = ZipTest;
 
 TEST_F(ARXZipInputStreamTest, AllFormsReadUpToTheEndAndNoFurther)
 {
     makeArchive({"ab\xFFzy", "other"});
-    ARXZipInputStream stream("out.zip");
+    Stream stream("out.zip");
     char buffer[10];
     NEBByteBuffer target(256, 256);
     auto const isAtEnd = [&]
@@ -99,23 +88,22 @@ TEST_F(ARXZipInputStreamTest, AllFormsReadUpToTheEndAndNoFurther)
         EXPECT_EQ(expected, std::string(target.str(), target.pcount()));
     }
     EXPECT_EQ("NEB_ASSERT(buf); x1", failureOf([&] { stream.read(nullptr, 1); }));
+    EXPECT_EQ("NEB_ASSERT_NAMED(name, \"[ARZipInputStreamFramwork::locateFile] Path cannot be null.\"); x1",
+              failureOf([&] { stream.locate(nullptr); }));
     EXPECT_THROW(stream.reset(), char const*);
 }
 
 TEST_F(ARXZipInputStreamTest, NamesHaveLimitsAndEitherSeparator)
 {
-    std::string const
-        noName =
-            "NEB_ASSERT_NAMED(name, \"[ARZipInputStreamFramwork::locateFile] Path cannot be null.\"); x1",
-        tooLong =
-            "NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than "
-            "data structure used to hold it.\"); x1";
-    for (std::size_t const length : {257u, 258u, 259u, 260u, 300u})
+    std::string const tooLong =
+        "NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than data structure "
+        "used to hold it.\"); x1";
+    for (std::size_t const length : {258u, 259u, 260u})
     {
         makeArchive({"a/b", std::string(length, 'n'), "behind"});
-        ARXZipInputStream stream("out.zip");
+        Stream stream("out.zip");
         std::string name;
-        ARXZipInputStreamI::zipEntry entry;
+        Stream::zipEntry entry;
         EXPECT_TRUE(stream.locate("a\\b") && stream.getCurrentEntryName(name) && name == "a/b" &&
                     stream.getNextEntry());
         EXPECT_EQ(length < 260 ? "none" : tooLong, failureOf([&] { stream.getCurrentEntryInfo(entry); }));
@@ -123,28 +111,26 @@ TEST_F(ARXZipInputStreamTest, NamesHaveLimitsAndEitherSeparator)
         EXPECT_EQ(length < 259 ? length : 3, name.size());
         EXPECT_EQ(length < 259 ? "none" : tooLong,
                   failureOf([&] { EXPECT_FALSE(stream.locate("Behind") || stream.locate("")); }));
-        EXPECT_EQ(noName, failureOf([&] { stream.locate(nullptr); }));
     }
 }
 
 TEST_F(ARXZipInputStreamTest, SourcesOfTheCallerStayWithTheCaller)
 {
     makeArchive({"12345"}, {{4, "\x15\3"}, {36, "\1\2\3\4\5\6"}});
-    FilePtr const file = openFile("out.zip");
+    FilePtr const file(std::fopen("out.zip", "rb"), std::fclose);
     std::fseek(file.get(), 10, SEEK_SET);
-    EXPECT_EQ((Tree{{"12345", "12345"}}), readStream(ARXZipInputStream(file.get())));
+    EXPECT_EQ((Tree{{"12345", "12345"}}), readStream(Stream(file.get())));
     std::rewind(file.get());
     EXPECT_EQ('P', std::fgetc(file.get()));
 
     std::string const bytes = readAll("out.zip");
     ZipCharBuffer buffer = {bytes.data(), bytes.size(), 0};
-    zlib_filefunc_def_s table = tableOver(&buffer);
-    ARXZipInputStreamFramework framework(&table);
-    ARXZipInputStream stream(bytes.data(), bytes.size());
+    ARXZipInputStreamFramework framework(&tableOver(&buffer));
+    Stream stream(bytes.data(), bytes.size());
     EXPECT_TRUE(framework.openCurrentEntry() && stream.openCurrentEntry());
     framework.close(), framework.close();
     std::string name;
-    ARXZipInputStream::zipEntry entry;
+    Stream::zipEntry entry;
     NEBByteBuffer target(256, 256);
     EXPECT_FALSE(framework.getFirstEntry() || framework.getNextEntry() || framework.locate("12345") ||
                  framework.getCurrentEntryName(name) || framework.getCurrentEntryInfo(entry) ||

@@ -8,7 +8,7 @@ namespace
 // Reads all that a stream over memory gives, and sums it up in the words of the index.
 std::string describe(std::string const& archive)
 {
-    std::size_t entries = 0, opened = 0, bytes = 0;
+    std::size_t entries = 0, opened = 0, bytes = 0, count;
     std::string name, failure = "none";
     auto const read = [&]
     {
@@ -17,8 +17,7 @@ std::string describe(std::string const& archive)
         {
             failure = failureOf([&] { stream.getCurrentEntryName(name); });
             opened += stream.openCurrentEntry();
-            char buffer[5000];
-            for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
+            for (char buffer[5000]; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
                 bytes += count;
         }
     };
@@ -33,12 +32,12 @@ std::string describe(std::string const& archive)
 void expectRow(std::string const& path, std::vector<std::string> const& row)
 {
     TemporaryFolder const folder;
-    std::string const target = folder / "a/b/c/";
+    std::string const inner = "a/b/c/", target = folder / inner;
     bool const isExtracted = ARXUnzipFile::unzip(path.c_str(), target.c_str(), false);
     EXPECT_EQ(row.at(13) == "extract ok", isExtracted);
     Tree const made = readTree(folder.path());
     for (auto const& [name, bytes] : made)
-        EXPECT_TRUE(std::string("a/b/c/").rfind(name, 0) == 0 || name.rfind("a/b/c/", 0) == 0) << name;
+        EXPECT_TRUE(inner.rfind(name, 0) == 0 || name.rfind(inner, 0) == 0) << name;
     EXPECT_TRUE(row.at(13) != "partial" || made.size() > 3);
     for (auto const& [name, bytes] : isExtracted ? readStream(ARXZipInputStream(path.c_str())) : Tree())
     {
@@ -55,14 +54,14 @@ TEST(ZipCorpus, EveryArchiveGivesWhatTheIndexExpects)
 {
     std::string const corpus = ARXIUM_ZIP_CORPUS;
     std::ifstream index(corpus + "/INDEX.tsv");
-    std::string line;
+    std::string line, cell;
     if (!std::getline(index, line))
         GTEST_SKIP() << "no corpus at " << corpus;
     while (std::getline(index, line))
     {
         std::istringstream cells(line);
         std::vector<std::string> row;
-        for (std::string cell; std::getline(cells, cell, '\t');)
+        while (std::getline(cells, cell, '\t'))
             row.push_back(cell);
         SCOPED_TRACE(row.at(0));
         expectRow(corpus + "/" + row.at(0), row);

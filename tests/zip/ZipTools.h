@@ -4,6 +4,7 @@
 #define ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -11,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "NEBCore/I18NString.h"
-#include "NEBCore/NEBThrowable.h"
+#include "support/Raised.h"
 #include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
 #include "zip/ARXUnzipFile.h"
@@ -97,23 +98,16 @@ inline Tree readStream(ARXZipInputStream&& stream)
     return tree;
 }
 
-// The messages, the class unless it is an assertion, the operation, and how many places the error passed.
-template <class Call>
-std::string failureOf(Call const& call)
+// The message, behind its class unless it is an assertion, the operation, and how many places the error
+// passed.
+inline std::string failureOf(std::function<void()> const& call)
 {
-    try
-    {
-        call();
-        return "none";
-    }
-    catch (NEBThrowable& error)
-    {
-        std::string const name = error.getThrowableName();
-        auto const places = error.getBackTrace();
-        char const* const operation = places.at(0)->getText();
-        return (name == "NEBAssertError" ? "" : name + ": ") + error.getMessage() +
-               (operation ? std::string(" @") + operation : "") + " x" + std::to_string(places.size());
-    }
+    Lines const lines = raisedBy(call);
+    if (lines.size() < 2)
+        return lines.empty() ? "none" : lines[0];
+    std::string const hidden = "NEBAssertError: ", thrown = "NEB_THROW";
+    return lines[0].substr(lines[0].rfind(hidden, 0) == 0 ? hidden.size() : 0) +
+           lines[1].substr(lines[1].find(thrown) + thrown.size()) + " x" + std::to_string(lines.size() - 1);
 }
 
 #endif
