@@ -175,6 +175,7 @@ TEST(ARNEBI18NBufferChecksum, FollowsTheBytesAndTheFoldedBytes)
     EXPECT_EQ(make(u"\x0161\x6161").getCssCrc(), make(u"\x0141\x4161").getCssCrc());  // by byte, not by unit
     EXPECT_NE(make(u"\x0161").getCrc(), make(u"\x0141").getCrc());
     EXPECT_EQ(make(u"@[\x00C0").getCrc(), make(u"@[\x00C0").getCssCrc());
+    EXPECT_EQ(make(Text(300, u'a') + u"b").getCrc(), make(Text(300, u'A') + u"B").getCssCrc());
 }
 
 TEST(ARNEBI18NBufferCompare, LooksAtBothEndsWithoutTheTerminator)
