@@ -72,36 +72,20 @@ void forget(void* memory)
         *found = s_live[--s_liveCount];
 }
 
-// The functions behind this program's: the C library's, or those of a sanitizer.
-struct Allocator
+// The function behind this program's: the C library's, or that of a sanitizer. Null while it is being looked
+// for: that may free, but needs nothing itself.
+template <auto& function>
+auto* behind(char const* name)
 {
-    void* (*m_malloc)(std::size_t);
-    void* (*m_calloc)(std::size_t, std::size_t);
-    void* (*m_realloc)(void*, std::size_t);
-    void (*m_free)(void*);
-};
-
-template <class Function>
-void look(Function& function, char const* name)
-{
-    void* const found = dlsym(RTLD_NEXT, name);
-    std::memcpy(&function, &found, sizeof function);
-}
-
-// Null while they are being looked for: that may free, but needs nothing itself.
-Allocator const* behind()
-{
-    static Allocator s_allocator;
-    static bool s_looking;
-    if (!s_allocator.m_free && !s_looking)
+    static decltype(&function) s_found = nullptr;
+    static bool s_looking = false;
+    if (!s_looking)
     {
         s_looking = true;
-        look(s_allocator.m_malloc, "malloc");
-        look(s_allocator.m_calloc, "calloc");
-        look(s_allocator.m_realloc, "realloc");
-        look(s_allocator.m_free, "free");
+        void* const found = dlsym(RTLD_NEXT, name);
+        std::memcpy(&s_found, &found, sizeof s_found);
     }
-    return s_allocator.m_free ? &s_allocator : nullptr;
+    return s_found;
 }
 }  // namespace
 
@@ -110,19 +94,20 @@ extern "C"
 {
     void* malloc(std::size_t size)
     {
-        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_malloc(size));
+        auto* const next = behind<malloc>("malloc");
+        return refusesAllocation() || !next ? nullptr : noted(next(size));
     }
 
     void* calloc(std::size_t count, std::size_t size)
     {
-        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_calloc(count, size));
+        auto* const next = behind<calloc>("calloc");
+        return refusesAllocation() || !next ? nullptr : noted(next(count, size));
     }
 
     void* realloc(void* memory, std::size_t size)
     {
-        if (refusesAllocation() || !behind())
-            return nullptr;
-        void* const moved = behind()->m_realloc(memory, size);
+        auto* const next = behind<realloc>("realloc");
+        void* const moved = refusesAllocation() || !next ? nullptr : next(memory, size);
         if (moved)
             forget(memory), noted(moved);
         return moved;
@@ -131,8 +116,8 @@ extern "C"
     void free(void* memory)
     {
         forget(memory);
-        if (behind())
-            behind()->m_free(memory);
+        if (auto* const next = behind<free>("free"))
+            next(memory);
     }
 }
 
@@ -169,19 +154,14 @@ long passSystemCall(long number, greg_t const* registers)
     return result == -1 ? -errno : result;
 }
 
-bool isChosen(long number)
-{
-    bool const isTransfer =
-        number == SYS_read || number == SYS_write || number == SYS_pread64 || number == SYS_pwrite64;
-    return s_armed && (s_plan.m_kind == FaultPlan::systemCallFails ||
-                       (s_plan.m_kind == FaultPlan::systemCallIsShort && isTransfer));
-}
-
 void onSystemCall(int, siginfo_t*, void* context)
 {
     auto& registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
     long const number = registers[REG_RAX];
-    bool const fails = isChosen(number) && ++s_count == s_plan.m_point;
+    bool const isTransfer =
+        number == SYS_read || number == SYS_write || number == SYS_pread64 || number == SYS_pwrite64;
+    bool const isChosen = s_plan.m_kind == FaultPlan::systemCallFails || isTransfer;
+    bool const fails = s_armed && isChosen && ++s_count == s_plan.m_point;
     int const errnoBefore = errno;
     if (fails)
     {
@@ -214,18 +194,14 @@ bool watchSystemCalls()
     action.sa_flags = SA_SIGINFO | SA_NODEFER;
     sigaction(SIGSYS, &action, nullptr);
 
-    std::size_t const watched = sizeof s_watched / sizeof *s_watched;
+    std::uint8_t constexpr watched = sizeof s_watched / sizeof *s_watched;
     sock_filter filter[6 + watched];
     sock_filter* end = filter;
-    auto const load = [&](std::size_t offset)
-    { *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset)); };
-    auto const jumpIf = [&](std::uint32_t value, std::size_t steps)
-    { *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, value, static_cast<std::uint8_t>(steps), 0); };
-    load(offsetof(seccomp_data, args[5]));
-    jumpIf(s_passes, watched + 1);
-    load(offsetof(seccomp_data, nr));
-    for (std::size_t i = 0; i < watched; ++i)
-        jumpIf(s_watched[i], watched - i);
+    *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[5]));
+    *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, s_passes, watched + 1, 0);
+    *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr));
+    for (std::uint8_t steps = watched; steps > 0; --steps)
+        *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, s_watched[watched - steps], steps, 0);
     *end++ = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
     *end++ = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRAP);
     sock_fprog const program{static_cast<unsigned short>(end - filter), filter};

@@ -221,8 +221,8 @@ Operation const s_operations[] = {
              writer.write(s_new.data(), 1000), writer.endline();
              return true;
          };
-         bool const written = run.attempt(write);
-         run.expect(!written || readAll(run / "plain") == s_old + s_new, "success means all bytes");
+         run.expect(!run.attempt(write) || readAll(run / "plain") == s_old + s_new,
+                    "success means all bytes");
      }},
     {"StartAndStop",
      [](Attempts& run)
@@ -452,10 +452,8 @@ TEST_F(FaultTest, NoLackOfMemoryCrashesLeaksOrSpoilsAnything)
 
 TEST_F(FaultTest, NoFailingSystemCallLeaksOrSpoilsAnything)
 {
-    std::vector<FaultPlan> plans;
-    for (int const error : {ENOSPC, EIO, EACCES, EINTR})
-        plans.push_back({FaultPlan::systemCallFails, error});
-    EXPECT_LE(1000, strikeAll(plans));
+    auto constexpr fails = FaultPlan::systemCallFails;
+    EXPECT_LE(1000, strikeAll({{fails, ENOSPC}, {fails, EIO}, {fails, EACCES}, {fails, EINTR}}));
 }
 
 TEST_F(FaultTest, NeitherAShortTransferNorTheEndOfTheProcessSpoilsAnything)
