@@ -129,7 +129,8 @@ void* operator new(std::size_t size)
         return memory;
     throw std::bad_alloc();
 }
-#pragma GCC diagnostic ignored "-Wattribute-alias"  // for the arguments that are not looked at
+#pragma GCC diagnostic ignored "-Wattribute-alias"     // for the arguments that are not looked at
+#pragma GCC diagnostic ignored "-Wmissing-attributes"  // which the C library gives its declarations
 void* operator new[](std::size_t) __attribute__((alias("_Znwm")));
 void* operator new(std::size_t, std::nothrow_t const&) noexcept __attribute__((alias("malloc")));
 void* operator new[](std::size_t, std::nothrow_t const&) noexcept __attribute__((alias("malloc")));

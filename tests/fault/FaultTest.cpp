@@ -116,10 +116,9 @@ std::string const s_old = "old contents", s_new(140000, 'n');
 // The plain text of an encrypted file; "absent", or "damaged" if it isn't accepted to its end.
 std::string unsealed(std::string const& path)
 {
-    if (access(path.c_str(), F_OK) != 0)
-        return "absent";
     std::string const raised = failureOf([&] { unsealFile(path, path + ".plain"); });
-    return raised == "none" ? readAll(path + ".plain") : "damaged";
+    bool const exists = access(path.c_str(), F_OK) == 0;
+    return raised == "none" ? readAll(path + ".plain") : exists ? "damaged" : "absent";
 }
 
 bool seal(std::string const& path, std::string const& text)
