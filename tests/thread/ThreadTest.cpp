@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <thread>
 
 #include "NEBCore/NEBThrowable.h"
 #include "crypto/ARXKRYHandleFactory.h"
@@ -46,7 +45,10 @@ TEST_F(ThreadTest, StartsAndStopsBalance)
     auto const startAndStop = [](int)
     {
         for (int i = 0; i < s_rounds; ++i)
-            Arxium::initialize(), Arxium::terminate();
+        {
+            Arxium::initialize();
+            Arxium::terminate();
+        }
     };
     onThreads(32, startAndStop);
     char const* const order[] = {"I18NInitialize", "KRY_CryptoInitialize", "KRY_CryptoTerminate",
@@ -61,16 +63,15 @@ TEST_F(ThreadTest, StartsAndStopsBalance)
 TEST_F(ThreadTest, TwoSessionsWorkSideBySide)
 {
     Arxium::initialize(false);
-    std::mutex lock;
-    std::condition_variable changed;
-    int inside = 0;
+    std::atomic<int> inside{0};
     // Each waits inside its call until the other is inside too.
     m_recorder.m_duringProtect = [&]
     {
-        std::unique_lock<std::mutex> guard(lock);
         ++inside;
-        changed.notify_all();
-        EXPECT_TRUE(changed.wait_for(guard, std::chrono::seconds(100), [&] { return inside == 2; }));
+        auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
+        while (inside != 2 && std::chrono::steady_clock::now() < end)
+            std::this_thread::yield();
+        EXPECT_EQ(2, inside);
     };
     onThreads(2, [](int number) { protect(number == 0 ? "one" : "other"); });
     Arxium::terminate();
