@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -24,9 +23,7 @@ static std::atomic<int> s_closed{0};
 #pragma GCC visibility push(default)
 std::int32_t KRY_CloseHandle(void** session, void* extra, char** details)
 {
-    void* const found = dlsym(RTLD_NEXT, "KRY_CloseHandle");
-    decltype(&KRY_CloseHandle) next;
-    std::memcpy(&next, &found, sizeof next);
+    auto* const next = reinterpret_cast<decltype(&KRY_CloseHandle)>(dlsym(RTLD_NEXT, "KRY_CloseHandle"));
     std::int32_t const status = next(session, extra, details);
     s_closed += KRY_SUCCEEDED(status);
     return status;
@@ -35,6 +32,8 @@ std::int32_t KRY_CloseHandle(void** session, void* extra, char** details)
 
 namespace
 {
+int constexpr s_count = 100000 / ARXIUM_THREAD_SHARE;
+
 struct RealCryptoThreadTest : testing::Test
 {
     RealCryptoThreadTest()
@@ -57,15 +56,14 @@ std::string urlOf(int number)
 
 TEST_F(RealCryptoThreadTest, UrlsOfManyThreadsEqualASerialRun)
 {
-    int constexpr count = 100000 / ARXIUM_THREAD_SHARE;
     std::vector<std::string> expected;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < s_count; ++i)
         expected.push_back(urlOf(i));
     auto const compare = [&](int thread)
     {
-        std::vector<std::string> urls(count);
-        for (int i = thread * count / 8; urls[static_cast<std::size_t>(i % count)].empty(); ++i)
-            urls[static_cast<std::size_t>(i % count)] = urlOf(i % count);
+        std::vector<std::string> urls(s_count);
+        for (int i = thread * s_count / 8; urls[static_cast<std::size_t>(i % s_count)].empty(); ++i)
+            urls[static_cast<std::size_t>(i % s_count)] = urlOf(i % s_count);
         EXPECT_TRUE(urls == expected);
     };
     onThreads(8, compare);
@@ -74,9 +72,8 @@ TEST_F(RealCryptoThreadTest, UrlsOfManyThreadsEqualASerialRun)
 
 TEST_F(RealCryptoThreadTest, TheStopClosesEverySessionOfManyPairs)
 {
-    int constexpr count = 100000 / ARXIUM_THREAD_SHARE;
     std::size_t const before = mallinfo2().uordblks;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < s_count; ++i)
     {
         // Documents that differ in four neighbouring bytes alone never have one checksum.
         std::string id;
@@ -88,9 +85,9 @@ TEST_F(RealCryptoThreadTest, TheStopClosesEverySessionOfManyPairs)
             "setInfoDocument>"));
     }
     std::size_t const held = mallinfo2().uordblks - before;  // of no meaning under a sanitizer
-    std::printf("%zu bytes a pair\n", held / count);
-    EXPECT_GT(10000u, held / count);
+    std::printf("%zu bytes a pair\n", held / s_count);
+    EXPECT_GT(10000u, held / s_count);
     s_closed = 0;
     Arxium::terminate();
-    EXPECT_EQ(count, s_closed);
+    EXPECT_EQ(s_count, s_closed);
 }
