@@ -1,5 +1,6 @@
 #include "fault/FaultInjector.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -10,7 +11,6 @@
 
 #include <dlfcn.h>
 #include <execinfo.h>
-#include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -24,7 +24,6 @@ FaultPlan s_plan;
 bool s_armed = false;
 long s_count = 0;
 char* s_trace = nullptr;
-std::size_t s_traceRoom = 0;
 
 void* s_live[1 << 14];  // what was allocated while armed
 std::size_t s_liveCount = 0;
@@ -34,24 +33,24 @@ void noteFailure()
     s_armed = false;  // what follows may allocate
     void* frames[24];
     int const count = backtrace(frames, 24);
-    for (int i = 0; i < count && s_traceRoom > 100; ++i)
+    for (int i = 0; i < count; ++i)
     {
         Dl_info info;
         if (!dladdr(frames[i], &info) || !info.dli_fname)
             continue;
         char const* const name = info.dli_sname ? info.dli_sname : std::strrchr(info.dli_fname, '/') + 1;
-        int const written = std::snprintf(s_trace, s_traceRoom, " %.90s", name);
-        s_trace += written, s_traceRoom -= static_cast<std::size_t>(written);
+        std::size_t const used = std::strlen(s_trace);
+        std::snprintf(s_trace + used, sizeof(FaultTrace) - used, " %.90s", name);
     }
     s_armed = true;
 }
 
 bool refusesAllocation()
 {
-    if (!s_armed || (s_plan.m_kind != FaultPlan::oneAllocation && s_plan.m_kind != FaultPlan::allAllocations))
-        return false;
-    ++s_count;
-    if (s_count != s_plan.m_point && (s_plan.m_kind == FaultPlan::oneAllocation || s_count < s_plan.m_point))
+    bool const refuses =
+        s_armed && ((s_plan.m_kind == FaultPlan::oneAllocation && ++s_count == s_plan.m_point) ||
+                    (s_plan.m_kind == FaultPlan::allAllocations && ++s_count >= s_plan.m_point));
+    if (!refuses)
         return false;
     noteFailure();
     errno = ENOMEM;
@@ -67,44 +66,26 @@ void* noted(void* memory)
 
 void forget(void* memory)
 {
-    for (std::size_t i = s_liveCount; i-- > 0;)
-        if (s_live[i] == memory)
-        {
-            s_live[i] = s_live[--s_liveCount];
-            return;
-        }
+    void** const end = s_live + s_liveCount;
+    void** const found = std::find(s_live, end, memory);
+    if (found != end)
+        *found = s_live[--s_liveCount];
 }
 
-// The functions behind this program's: the C library's, or those of a sanitizer.
-struct Allocator
+// The function behind this program's: the C library's, or that of a sanitizer. Null while it is being looked
+// for: that may free, but needs nothing itself.
+template <auto& function>
+auto* behind(char const* name)
 {
-    void* (*m_malloc)(std::size_t);
-    void* (*m_calloc)(std::size_t, std::size_t);
-    void* (*m_realloc)(void*, std::size_t);
-    void (*m_free)(void*);
-};
-
-template <class Function>
-void look(Function& function, char const* name)
-{
-    void* const found = dlsym(RTLD_NEXT, name);
-    std::memcpy(&function, &found, sizeof function);
-}
-
-// Null while they are being looked for: that may free, but needs nothing itself.
-Allocator const* behind()
-{
-    static Allocator s_allocator;
-    static bool s_looking;
-    if (!s_allocator.m_free && !s_looking)
+    static decltype(&function) s_found = nullptr;
+    static bool s_looking = false;
+    if (!s_looking)
     {
         s_looking = true;
-        look(s_allocator.m_malloc, "malloc");
-        look(s_allocator.m_calloc, "calloc");
-        look(s_allocator.m_realloc, "realloc");
-        look(s_allocator.m_free, "free");
+        void* const found = dlsym(RTLD_NEXT, name);
+        std::memcpy(&s_found, &found, sizeof s_found);
     }
-    return s_allocator.m_free ? &s_allocator : nullptr;
+    return s_found;
 }
 }  // namespace
 
@@ -113,19 +94,20 @@ extern "C"
 {
     void* malloc(std::size_t size)
     {
-        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_malloc(size));
+        auto* const next = behind<malloc>("malloc");
+        return refusesAllocation() || !next ? nullptr : noted(next(size));
     }
 
     void* calloc(std::size_t count, std::size_t size)
     {
-        return refusesAllocation() || !behind() ? nullptr : noted(behind()->m_calloc(count, size));
+        auto* const next = behind<calloc>("calloc");
+        return refusesAllocation() || !next ? nullptr : noted(next(count, size));
     }
 
     void* realloc(void* memory, std::size_t size)
     {
-        if (refusesAllocation() || !behind())
-            return nullptr;
-        void* const moved = behind()->m_realloc(memory, size);
+        auto* const next = behind<realloc>("realloc");
+        void* const moved = refusesAllocation() || !next ? nullptr : next(memory, size);
         if (moved)
             forget(memory), noted(moved);
         return moved;
@@ -134,8 +116,8 @@ extern "C"
     void free(void* memory)
     {
         forget(memory);
-        if (behind())
-            behind()->m_free(memory);
+        if (auto* const next = behind<free>("free"))
+            next(memory);
     }
 }
 
@@ -147,115 +129,53 @@ void* operator new(std::size_t size)
         return memory;
     throw std::bad_alloc();
 }
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept
-{
-    return malloc(size);
-}
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept
-{
-    return malloc(size);
-}
-void operator delete(void* memory) noexcept
-{
-    free(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    free(memory);
-}
+#pragma GCC diagnostic ignored "-Wattribute-alias"     // for the arguments that are not looked at
+#pragma GCC diagnostic ignored "-Wmissing-attributes"  // which the C library gives its declarations
+void* operator new[](std::size_t) __attribute__((alias("_Znwm")));
+void* operator new(std::size_t, std::nothrow_t const&) noexcept __attribute__((alias("malloc")));
+void* operator new[](std::size_t, std::nothrow_t const&) noexcept __attribute__((alias("malloc")));
+void operator delete(void*) noexcept __attribute__((alias("free")));
+void operator delete[](void*) noexcept __attribute__((alias("free")));
+void operator delete(void*, std::size_t) noexcept __attribute__((alias("free")));
+void operator delete[](void*, std::size_t) noexcept __attribute__((alias("free")));
 #endif
 #pragma GCC visibility pop
 
-void FaultInjector::arm(FaultPlan const& plan, char* trace, std::size_t traceSize)
-{
-    s_plan = plan, s_trace = trace, s_traceRoom = traceSize;
-    s_count = 0, s_liveCount = 0;
-    void* frame;
-    backtrace(&frame, 1);  // loads what it needs
-}
-
-void FaultInjector::resume()
-{
-    s_armed = true;
-}
-
-void FaultInjector::pause()
-{
-    s_armed = false;
-}
-
-std::size_t FaultInjector::liveAllocations()
-{
-    return s_liveCount;
-}
-
 #ifdef __x86_64__
-// A system call from the one place that the filter lets pass.
-extern "C" long passSystemCall(long number, long a, long b, long c, long d, long e);
-extern "C" char const passedSystemCall[];
-asm(R"(.text
-    .globl passSystemCall, passedSystemCall
-    .hidden passSystemCall, passedSystemCall
-passSystemCall:
-    mov %rdi, %rax
-    mov %rsi, %rdi
-    mov %rdx, %rsi
-    mov %rcx, %rdx
-    mov %r8, %r10
-    mov %r9, %r8
-    syscall
-passedSystemCall:
-    ret
-)");
-
 namespace
 {
-bool isTransfer(long number)
-{
-    return number == SYS_read || number == SYS_write || number == SYS_pread64 || number == SYS_pwrite64;
-}
+// A sixth argument, which no watched call has, marks those that the filter lets pass.
+constexpr std::uint32_t s_passes = 0x5A17F1A6;
 
-bool isChosen(long number)
+// The result as the kernel gives it: errors are negative.
+long passSystemCall(long number, greg_t const* registers)
 {
-    return s_armed && (s_plan.m_kind == FaultPlan::systemCallFails ||
-                       (s_plan.m_kind == FaultPlan::systemCallIsShort && isTransfer(number)));
+    long const result = syscall(number, registers[REG_RDI], registers[REG_RSI], registers[REG_RDX],
+                                registers[REG_R10], registers[REG_R8], s_passes);
+    return result == -1 ? -errno : result;
 }
 
 void onSystemCall(int, siginfo_t*, void* context)
 {
     auto& registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
     long const number = registers[REG_RAX];
-    bool const fails = isChosen(number) && ++s_count == s_plan.m_point;
+    bool const isTransfer =
+        number == SYS_read || number == SYS_write || number == SYS_pread64 || number == SYS_pwrite64;
+    bool const isChosen = s_plan.m_kind == FaultPlan::systemCallFails || isTransfer;
+    bool const fails = s_armed && isChosen && ++s_count == s_plan.m_point;
     int const errnoBefore = errno;
     if (fails)
     {
         noteFailure();
         if (s_plan.m_error == FaultPlan::s_killed)
-            passSystemCall(SYS_kill, getpid(), SIGKILL, 0, 0, 0);
+            kill(getpid(), SIGKILL);
         if (s_plan.m_kind == FaultPlan::systemCallIsShort && registers[REG_RDX] > 1)
             registers[REG_RDX] /= 2;
     }
-    long result = fails ? -s_plan.m_error : 0;
+    long const error = fails ? -s_plan.m_error : 0;
     // A close releases the descriptor whatever it reports.
-    if (result == 0 || number == SYS_close)
-    {
-        long const done = passSystemCall(number, registers[REG_RDI], registers[REG_RSI], registers[REG_RDX],
-                                         registers[REG_R10], registers[REG_R8]);
-        result = result == 0 ? done : result;
-    }
-    registers[REG_RAX] = result;
+    long const done = error == 0 || number == SYS_close ? passSystemCall(number, registers) : 0;
+    registers[REG_RAX] = error == 0 ? done : error;
     errno = errnoBefore;
 }
 
@@ -266,37 +186,52 @@ constexpr std::uint32_t s_watched[] = {
     SYS_rename,     SYS_renameat, SYS_renameat2, SYS_link,       SYS_linkat,     SYS_unlink,
     SYS_unlinkat,   SYS_fsync,    SYS_fdatasync, SYS_utimensat,  SYS_getdents64, SYS_readlink,
     SYS_readlinkat, SYS_getcwd};
-}  // namespace
 
-bool FaultInjector::watchSystemCalls()
+// From now on, for the rest of the process.
+bool watchSystemCalls()
 {
     struct sigaction action = {};
     action.sa_sigaction = onSystemCall;
     action.sa_flags = SA_SIGINFO | SA_NODEFER;
     sigaction(SIGSYS, &action, nullptr);
 
-    auto const place = reinterpret_cast<std::uintptr_t>(passedSystemCall);
-    std::size_t const watched = sizeof s_watched / sizeof *s_watched;
+    std::uint8_t constexpr watched = sizeof s_watched / sizeof *s_watched;
     sock_filter filter[6 + watched];
     sock_filter* end = filter;
-    auto const load = [&](std::size_t offset)
-    { *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset)); };
-    auto const jumpIf = [&](std::uint32_t value, std::size_t steps)
-    { *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, value, static_cast<std::uint8_t>(steps), 0); };
-    load(offsetof(seccomp_data, instruction_pointer));
-    jumpIf(static_cast<std::uint32_t>(place), watched + 1);
-    load(offsetof(seccomp_data, nr));
-    for (std::size_t i = 0; i < watched; ++i)
-        jumpIf(s_watched[i], watched - i);
+    *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[5]));
+    *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, s_passes, watched + 1, 0);
+    *end++ = BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr));
+    for (std::uint8_t steps = watched; steps > 0; --steps)
+        *end++ = BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, s_watched[watched - steps], steps, 0);
     *end++ = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
     *end++ = BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRAP);
     sock_fprog const program{static_cast<unsigned short>(end - filter), filter};
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
+}  // namespace
 #else
-bool FaultInjector::watchSystemCalls()
+static bool watchSystemCalls()
 {
     return false;
 }
 #endif
+
+bool FaultInjector::prepare(FaultPlan const& plan, FaultTrace& trace)
+{
+    s_plan = plan, s_trace = trace;
+    s_count = 0, s_liveCount = 0;
+    void* frame;
+    backtrace(&frame, 1);  // loads what it needs
+    return plan.m_kind < FaultPlan::systemCallFails || watchSystemCalls();
+}
+
+void FaultInjector::arm(bool armed)
+{
+    s_armed = armed;
+}
+
+std::size_t FaultInjector::liveAllocations()
+{
+    return s_liveCount;
+}

@@ -25,19 +25,17 @@ struct FaultPlan
     long m_point = 0;  // from 1
 };
 
+using FaultTrace = char[4000];  // the functions above each failure; empty if there was none
+
 class FaultInjector
 {
 public:
-    // The plan may lead to the end of the process. trace, of that size, gets the functions above each
-    // failure.
-    static void arm(FaultPlan const& plan, char* trace, std::size_t traceSize);
+    // The plan may lead to the end of the process. Plans about system calls hold for the rest of the process;
+    // false if it doesn't let them be watched.
+    static bool prepare(FaultPlan const& plan, FaultTrace& trace);
     // What is allocated while armed is watched until it is freed.
-    static void resume();
-    static void pause();
+    static void arm(bool armed);
     static std::size_t liveAllocations();
-
-    // From now on, for the rest of the process; needed for plans about system calls.
-    static bool watchSystemCalls();
 };
 
 #endif

@@ -1,13 +1,11 @@
 #include "host/SignedUrl.h"
 
-#include <fstream>
+#include <cstdlib>
 #include <iostream>
 #include <set>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "NEBCFGAPI/NEBConfigurationStore.h"
 #include "NEBCore/NEBWeb64.h"
 #include "host/RunningLibrary.h"
 #include "support/TemporaryFolder.h"
@@ -57,9 +55,7 @@ std::set<std::string> forgeriesOf(std::string const& digest)
 TEST(SignedUrl, NoForgeryIsAccepted)
 {
     TemporaryFolder const folder;
-    std::ofstream(folder / "key") << std::string(32, 'k');
-    ASSERT_EQ(0, chmod((folder / "key").c_str(), 0600));
-    NEBConfigurationStore::getStore().setValue("cryptoKeyFile", (folder / "key").c_str());
+    setenv("XDG_STATE_HOME", folder.path().c_str(), 1);  // where the start makes the key
     RunningLibrary const library;
     std::string url;
     ARXUriDispatchHelper::generateByteServingUrlFromBasePath("report.pdf", "session", url);

@@ -17,11 +17,10 @@ CryptoRecorder::Session s_noSession{"null"};
 char* handOut(std::string const& bytes, char const* kind)
 {
     std::lock_guard const guard(s_lock);
-    std::unique_ptr<char[]> memory(new char[bytes.size()]);
-    bytes.copy(memory.get(), bytes.size());
-    char* const start = memory.get();
-    s_recorder.m_memory[start] = {kind, std::move(memory)};
-    return start;
+    char* const memory = new char[bytes.size()];
+    bytes.copy(memory, bytes.size());
+    s_recorder.m_memory[memory] = {kind, std::unique_ptr<char[]>(memory)};
+    return memory;
 }
 
 // Records a call and does what is planned for it. A call after which nothing is opened gives 1.
@@ -178,8 +177,7 @@ INEBConfiguration& NEBConfigurationFactory::getInstance()
         I18NString getConfigurationValue(I18NString const& key, void*) override
         {
             answer("configuration", key.c_str());
-            auto const setting = s_recorder.m_settings.find(key.c_str());
-            return setting == s_recorder.m_settings.end() ? "" : setting->second.c_str();
+            return s_recorder.m_settings[key.c_str()].c_str();
         }
     } s_configuration;
     return s_configuration;

@@ -24,7 +24,6 @@ public:
         std::filesystem::remove_all(m_path, ignored);
     }
     TemporaryFolder(TemporaryFolder const&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
 
     std::string const& path() const { return m_path; }
     std::string operator/(std::string const& name) const { return m_path + "/" + name; }
@@ -34,23 +33,13 @@ private:
 };
 
 // Makes a folder current for its own lifetime.
-class CurrentFolder
+struct CurrentFolder
 {
-public:
-    explicit CurrentFolder(std::string const& path) : m_before(std::filesystem::current_path())
-    {
-        std::filesystem::current_path(path);
-    }
-    ~CurrentFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::current_path(m_before, ignored);
-    }
+    explicit CurrentFolder(std::string const& path) { std::filesystem::current_path(path); }
     CurrentFolder(CurrentFolder const&) = delete;
-    CurrentFolder& operator=(CurrentFolder const&) = delete;
+    ~CurrentFolder() { std::filesystem::current_path(m_before); }
 
-private:
-    std::filesystem::path m_before;
+    std::filesystem::path const m_before = std::filesystem::current_path();
 };
 
 #endif
