@@ -104,6 +104,12 @@ extern "C"
         return refusesAllocation() || !next ? nullptr : noted(next(count, size));
     }
 
+    void* aligned_alloc(std::size_t alignment, std::size_t size)
+    {
+        auto* const next = behind<aligned_alloc>("aligned_alloc");
+        return refusesAllocation() || !next ? nullptr : noted(next(alignment, size));
+    }
+
     void* realloc(void* memory, std::size_t size)
     {
         auto* const next = behind<realloc>("realloc");
@@ -125,9 +131,13 @@ extern "C"
 // The sanitizer's own don't come by malloc.
 void* operator new(std::size_t size)
 {
-    if (void* const memory = malloc(size))
-        return memory;
-    throw std::bad_alloc();
+    void* const memory = malloc(size);
+    return memory ? memory : throw std::bad_alloc();
+}
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    void* const memory = aligned_alloc(static_cast<std::size_t>(alignment), size);
+    return memory ? memory : throw std::bad_alloc();
 }
 #pragma GCC diagnostic ignored "-Wattribute-alias"     // for the arguments that are not looked at
 #pragma GCC diagnostic ignored "-Wmissing-attributes"  // which the C library gives its declarations
@@ -138,6 +148,8 @@ void operator delete(void*) noexcept __attribute__((alias("free")));
 void operator delete[](void*) noexcept __attribute__((alias("free")));
 void operator delete(void*, std::size_t) noexcept __attribute__((alias("free")));
 void operator delete[](void*, std::size_t) noexcept __attribute__((alias("free")));
+void operator delete(void*, std::align_val_t) noexcept __attribute__((alias("free")));
+void operator delete(void*, std::size_t, std::align_val_t) noexcept __attribute__((alias("free")));
 #endif
 #pragma GCC visibility pop
 
