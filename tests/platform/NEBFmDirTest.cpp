@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include "support/TemporaryFolder.h"
-#include "support/Threads.h"
 #include "support/Words.h"
 
 namespace
@@ -39,14 +38,6 @@ TEST(NEBFmDir, MakesDirectoriesThroughBothSeparators)
         EXPECT_EQ(row.size() == 2, NEBFmDir::createRecursiveDir(row[0])) << row[0];
         EXPECT_EQ(1, NEBFmDir::exists(row.size() == 2 ? row[1].c_str() : ".", s_directory)) << row[0];
     }
-}
-
-TEST(NEBFmDir, LetsTwoMakersOfADirectoryBothSucceed)
-{
-    TemporaryFolder const folder;
-    for (int round = 0; round < 50; ++round)
-        onThreads(2, [path = folder / std::to_string(round) + "/a/b/c"](int)
-                  { EXPECT_EQ(1, NEBFmDir::createRecursiveDir(path)); });
 }
 
 TEST(NEBFmDir, KnowsTypesAndListsFilesAndRealDirectoriesSortedByByte)
