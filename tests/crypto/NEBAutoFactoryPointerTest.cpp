@@ -6,28 +6,25 @@
 
 namespace
 {
-std::string s_destroyed;
+std::string s_destroyed, s_manner = "good";
 
 struct Guard final : NEBAutoFactoryPointer<int>
 {
-    Guard(int* pointer, std::string manner) : NEBAutoFactoryPointer<int>(pointer), m_manner(std::move(manner))
-    {
-    }
+    using NEBAutoFactoryPointer<int>::NEBAutoFactoryPointer;
     ~Guard() override
     {
-        if (m_manner != "careless")
+        if (s_manner != "careless")
             giveBack();
     }
     void destroy(int* pointer) override
     {
         s_destroyed += pointer ? std::to_string(*pointer) : "null";
-        if (m_manner == "puts back")
+        if (s_manner == "puts back")
             return NEBAutoPointer<int>::reset(pointer);
         delete pointer;
-        if (m_manner == "raises")
+        if (s_manner == "raises")
             throw std::runtime_error("raised");
     }
-    std::string m_manner;
 };
 }  // namespace
 
@@ -36,11 +33,12 @@ TEST(NEBAutoFactoryPointer, GivesBackOnceAndTellsOfWhatIsLeft)
     std::string const left =
         "NEBAssertError: NEB_ASSERT_NAMED(!NEBAutoPointer<T>::get(), \"auto_ptr must be NULL\");"
         " | prod/SmartPointers/NEBAutoFactoryPointer.h NEB_THROW";
-    for (std::string const manner : {"good", "raises", "puts back", "careless"})
+    for (char const* manner : {"raises", "puts back", "careless", "good"})
     {
-        bool const careless = manner == "careless";
+        s_manner = manner;
+        bool const careless = s_manner == "careless";
         s_destroyed.clear();
-        EXPECT_EQ(careless ? left : "", joined(raisedBy([&] { Guard(new int(1), manner); })));
+        EXPECT_EQ(careless ? left : "", joined(raisedBy([&] { Guard(new int(1)); })));
         EXPECT_EQ(careless ? "" : "1", s_destroyed);
     }
 }
@@ -48,8 +46,8 @@ TEST(NEBAutoFactoryPointer, GivesBackOnceAndTellsOfWhatIsLeft)
 TEST(NEBAutoFactoryPointer, ResetDestroysWhatWasHeldUnlessItIsTheSame)
 {
     s_destroyed.clear();
-    Guard(nullptr, "good");
-    Guard guard(nullptr, "good");
+    Guard{nullptr};
+    Guard guard(nullptr);
     guard.reset(nullptr);
     for (int const value : {1, 2})
     {
