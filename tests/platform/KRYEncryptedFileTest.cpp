@@ -36,13 +36,8 @@ struct KRYEncryptedFile : KRYStarted
     {
         KRYTestSession session;
         EXPECT_EQ(KRY_SUCCESS, session.cipher(m_path));
-        std::string_view rest(plain);
-        for (std::size_t i = 0; !rest.empty(); ++i)
-        {
-            std::string_view const piece = rest.substr(0, pieces[i % pieces.size()]);
-            EXPECT_EQ(KRY_SUCCESS, session.protect(piece));
-            rest.remove_prefix(piece.size());
-        }
+        for (std::size_t i = 0, at = 0; at < plain.size(); at += pieces[i++ % pieces.size()])
+            EXPECT_EQ(KRY_SUCCESS, session.protect(plain.substr(at, pieces[i % pieces.size()])));
         EXPECT_EQ(KRY_SUCCESS, session.finish());
         return readAll(m_path);
     }

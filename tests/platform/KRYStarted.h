@@ -85,20 +85,28 @@ struct KRYTestSession
 
     std::int32_t protect(std::string_view data, std::string* out = nullptr)
     {
-        char* bytes = nullptr;
         std::uint32_t count = 7;
-        auto const size = static_cast<std::uint32_t>(data.size());
-        std::int32_t const status = KRY_ProtectData(m_session, data.data(), size, &bytes, &count, nullptr);
-        return take(status, bytes, count, out);
+        return transfer(KRY_ProtectData, data, count, out);
     }
     // Appends all the rest to out, at most wanted bytes at once: success for a clean end.
     std::int32_t readAll(std::string& out, std::uint32_t wanted = 0)
     {
-        char* bytes = nullptr;
         std::uint32_t count = wanted;
-        std::int32_t const status = KRY_UnprotectData(m_session, nullptr, 0, &bytes, &count, nullptr);
-        take(status, bytes, count, &out);
+        std::int32_t const status = transfer(KRY_UnprotectData, {}, count, &out);
         return KRY_SUCCEEDED(status) && count != 0 ? readAll(out, wanted) : status;
+    }
+    std::int32_t transfer(decltype(&KRY_ProtectData) function, std::string_view data, std::uint32_t& count,
+                          std::string* out)
+    {
+        char* bytes = nullptr;
+        auto const size = static_cast<std::uint32_t>(data.size());
+        std::int32_t const status = function(m_session, data.data(), size, &bytes, &count, nullptr);
+        EXPECT_EQ(count == 0, bytes == nullptr);
+        EXPECT_TRUE(KRY_SUCCEEDED(status) || count == 0);
+        if (out)
+            out->append(bytes ? bytes : "", count);
+        KRY_CryptoFree(bytes, nullptr);
+        return status;
     }
 
     std::string lastFailure()
@@ -106,16 +114,6 @@ struct KRYTestSession
         char* details = nullptr;
         EXPECT_EQ(KRY_SUCCESS, KRY_CryptoGetLastErrorDetails(m_session, nullptr, &details));
         return taken(details);
-    }
-
-    static std::int32_t take(std::int32_t status, char* bytes, std::uint32_t count, std::string* out)
-    {
-        EXPECT_EQ(count == 0, bytes == nullptr);
-        EXPECT_TRUE(KRY_SUCCEEDED(status) || count == 0);
-        if (out)
-            out->append(bytes ? bytes : "", count);
-        KRY_CryptoFree(bytes, nullptr);
-        return status;
     }
 
     void* m_session = nullptr;
