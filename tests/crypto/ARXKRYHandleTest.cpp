@@ -33,11 +33,9 @@ TEST_F(ARXKRYHandleTest, EachFailureIsToldWithItsDetailsAndFreesThem)
     std::tuple<std::string, int, Fault, std::string, std::string> const rows[] = {
         {"", 1, Fault::None, "", third + next + ", CloseHandle S2"},
         {"PersistentInitialize", 1, Fault::Details, reason + open, first + free},
-        {"PersistentInitialize", 1, Fault::Status, none + open, first},
         {"PersistentInitialize", 2, Fault::Status, none + open, third + next},
         {"SetInfo", 1, Fault::Status, reason + set, second + ", " + last + free + again},
         {"CloseHandle", 1, Fault::Details, reason + close, third + free + again},
-        {"CloseHandle", 1, Fault::Status, none + close, third + again},
         {"CloseHandle", 2, Fault::Details, "", third + next + ", CloseHandle S2" + free},
     };
     for (auto const& [function, call, fault, raised, story] : rows)

@@ -1,6 +1,5 @@
 #include "NEBCore/I18NString.h"
 
-#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,13 +54,13 @@ TEST(I18NString, TakesLengthsAndExternalForms)
 TEST(I18NString, CountsOffsetsInUnitsAndTakesThoseBehindTheEndAsTheEnd)
 {
     I18NString const text("ab\xF0\x9F\x98\x80xb");  // six units
-    std::array const found{text.find(u'b'),     text.find(u'b', 2), text.find(u'a', 5),  text.find(u'b', -1),
-                           text.find(u'b', 99), text.rfind(u'b'),   text.rfind(u'b', 3), text.rfind(u'y')};
-    EXPECT_EQ((std::array{1, 5, -1, -1, -1, 5, 1, -1}), found);
+    std::vector const found{text.find(u'b'),     text.find(u'b', 2), text.find(u'a', 5),  text.find(u'b', -1),
+                            text.find(u'b', 99), text.rfind(u'b'),   text.rfind(u'b', 3), text.rfind(u'y')};
+    EXPECT_EQ((std::vector{1, 5, -1, -1, -1, 5, 1, -1}), found);
     std::vector<std::int32_t> next;
     for (std::int32_t offset : {0, 1, 2, 3, 5, 6, 99, -1})
         next.push_back(text.incrementOffset(offset));
-    EXPECT_EQ((std::vector<std::int32_t>{1, 2, 4, 4, 6, 6, 6, 6}), next);
+    EXPECT_EQ((std::vector{1, 2, 4, 4, 6, 6, 6, 6}), next);
     std::vector<I18NString> const parts{text.substr(4), text.substr(1, 1), text.substr(99, 2),
                                         text.substring(4, -1), text.substring(4, 3)};
     EXPECT_EQ((std::vector<I18NString>{"xb", "b", "", "xb", ""}), parts);

@@ -31,24 +31,25 @@ Statuses statusesFor(void* token)
 TEST_F(KRYStarted, SignatureIsWhatTheOpensslToolComputes)
 {
     std::string const path = m_folder / "data", result = m_folder / "result";
-    for (std::string const service : {"TALM", "another service"})
-        for (std::string const& data : {std::string(), std::string("report.pdf"), std::string(1000, 'x')})
-        {
-            writeFile(path, data);
-            std::string const command =
-                "key=$(openssl kdf -keylen 32 -kdfopt digest:SHA2-256 -kdfopt key:" + m_key +
-                " -kdfopt salt:KRY-CSKHMAC-1 -kdfopt 'info:" + service +
-                "' HKDF | tr -d :); openssl dgst -sha256 -mac HMAC -binary "
-                "-macopt hexkey:$key " +
-                path + " > " + result;
-            EXPECT_EQ(0, std::system(command.c_str()));
-            KRYTestSession session(service);
-            ASSERT_EQ(KRY_SUCCESS, session.sign());
-            std::string digests;
-            EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
-            EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
-            EXPECT_EQ(readAll(result) + readAll(result), digests);
-        }
+    std::pair<std::string, std::string> const rows[] = {
+        {"TALM", ""}, {"TALM", "report.pdf"}, {"another service", std::string(1000, 'x')}};
+    for (auto const& [service, data] : rows)
+    {
+        writeFile(path, data);
+        std::string const command =
+            "key=$(openssl kdf -keylen 32 -kdfopt digest:SHA2-256 -kdfopt key:" + m_key +
+            " -kdfopt salt:KRY-CSKHMAC-1 -kdfopt 'info:" + service +
+            "' HKDF | tr -d :); openssl dgst -sha256 -mac HMAC -binary "
+            "-macopt hexkey:$key " +
+            path + " > " + result;
+        EXPECT_EQ(0, std::system(command.c_str()));
+        KRYTestSession session(service);
+        ASSERT_EQ(KRY_SUCCESS, session.sign());
+        std::string digests;
+        EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
+        EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
+        EXPECT_EQ(readAll(result) + readAll(result), digests);
+    }
 }
 
 TEST_F(KRYStarted, NullStaleAndForeignSessionsAreRefused)
