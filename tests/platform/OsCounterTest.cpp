@@ -23,6 +23,7 @@ struct Kernel
     char m_refused = '\0';  // of the calls below
     std::string m_calls;    // g that worked, s
 } s_kernel;
+std::size_t s_readSize = 0;  // of the last set that was read
 }  // namespace
 
 extern "C" int sched_getaffinity(pid_t task, std::size_t size, cpu_set_t* set) noexcept
@@ -35,6 +36,7 @@ extern "C" int sched_getaffinity(pid_t task, std::size_t size, cpu_set_t* set) n
     if (size < needed || s_kernel.m_refused == 'g')
         return -1;
     s_kernel.m_calls += 'g';
+    s_readSize = size;
     std::memcpy(set, s_kernel.m_set.data(), needed);
     return 0;
 }
@@ -43,7 +45,8 @@ extern "C" int sched_setaffinity(pid_t task, std::size_t size, cpu_set_t const* 
 {
     if (s_kernel.m_set.empty())
         return static_cast<int>(syscall(SYS_sched_setaffinity, task, size, set));
-    s_kernel.m_calls += task == 0 ? 's' : '?';
+    bool const isSound = task == 0 && (size == sizeof(unsigned long) || size == s_readSize);
+    s_kernel.m_calls += isSound ? 's' : '?';
     if (s_kernel.m_refused == 's')
         return -1;
     std::fill(s_kernel.m_set.begin(), s_kernel.m_set.end(), 0);
