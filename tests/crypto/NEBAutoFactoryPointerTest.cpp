@@ -1,78 +1,59 @@
 #include "prod/SmartPointers/NEBAutoFactoryPointer.h"
 
-#include "crypto/ARXKRYDataPtr.h"
-#include "crypto/ARXKRYHandle.h"
-#include "crypto/ARXKRYHandleFactory.h"
-#include "crypto/ARXSimpleKRYHandleIPtr.h"
-#include "frame/Arxium.h"
-#include "support/CryptoRecorder.h"
+#include <gtest/gtest.h>
+
+#include "support/Raised.h"
 
 namespace
 {
-std::string s_destroyed;
+std::string s_destroyed, s_manner = "good";
 
 struct Guard final : NEBAutoFactoryPointer<int>
 {
-    Guard(int* pointer, std::string manner) : NEBAutoFactoryPointer<int>(pointer), m_manner(std::move(manner))
-    {
-    }
+    using NEBAutoFactoryPointer<int>::NEBAutoFactoryPointer;
     ~Guard() override
     {
-        if (m_manner != "careless")
+        if (s_manner != "careless")
             giveBack();
     }
     void destroy(int* pointer) override
     {
         s_destroyed += pointer ? std::to_string(*pointer) : "null";
-        if (m_manner == "puts back")
+        if (s_manner == "puts back")
             return NEBAutoPointer<int>::reset(pointer);
         delete pointer;
-        if (m_manner == "raises")
+        if (s_manner == "raises")
             throw std::runtime_error("raised");
     }
-    std::string m_manner;
 };
-
-using NEBAutoFactoryPointerTest = RecordedTest;
 }  // namespace
 
-TEST_F(NEBAutoFactoryPointerTest, GivesBackOnceAndTellsOfWhatIsLeft)
+TEST(NEBAutoFactoryPointer, GivesBackOnceAndTellsOfWhatIsLeft)
 {
     std::string const left =
         "NEBAssertError: NEB_ASSERT_NAMED(!NEBAutoPointer<T>::get(), \"auto_ptr must be NULL\");"
         " | prod/SmartPointers/NEBAutoFactoryPointer.h NEB_THROW";
-    for (std::string const manner : {"good", "raises", "puts back", "careless"})
+    for (char const* manner : {"raises", "puts back", "careless", "good"})
     {
-        bool const careless = manner == "careless";
+        s_manner = manner;
+        bool const careless = s_manner == "careless";
         s_destroyed.clear();
-        EXPECT_EQ(careless ? left : "", joined(raisedBy([&] { Guard(new int(1), manner); })));
+        EXPECT_EQ(careless ? left : "", joined(raisedBy([&] { Guard(new int(1)); })));
         EXPECT_EQ(careless ? "" : "1", s_destroyed);
     }
 }
 
-TEST_F(NEBAutoFactoryPointerTest, ResetDestroysWhatWasHeldUnlessItIsTheSame)
+TEST(NEBAutoFactoryPointer, ResetDestroysWhatWasHeldUnlessItIsTheSame)
 {
     s_destroyed.clear();
-    Guard guard(nullptr, "good");
+    Guard{nullptr};
+    Guard guard(nullptr);
     guard.reset(nullptr);
     for (int const value : {1, 2})
     {
         guard.reset(new int(value));
         guard.reset(guard.get());
     }
-    EXPECT_EQ("null1", s_destroyed);
+    EXPECT_EQ("null1", s_destroyed) << "a guard without anything gives nothing back";
     EXPECT_EQ(2, *guard);
-}
-
-TEST_F(NEBAutoFactoryPointerTest, HandlesGoBackToTheirMakerAndNullNowhere)
-{
-    Arxium::initialize(false);
-    ARXKRYHandleI* const handle = ARXKRYHandleFactory::createHandle();
-    handle->persistentInitialize("cnfg", nullptr);
-    ARXKRYDataPtr{handle, nullptr};
-    ARXSimpleKRYHandleIPtr{handle};
-    Arxium::terminate();
-    ARXKRYHandle own;
-    ARXSimpleKRYHandleIPtr{&own};  // nobody takes it any more
-    EXPECT_EQ("PersistentInitialize cnfg, CloseHandle S1", m_recorder.takeStory());
 }

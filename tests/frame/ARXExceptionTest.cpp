@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "NEBCore/NEBMessageString.h"
+#include "frame/ARXMessage.h"
 #include "support/Raised.h"
 
 namespace
@@ -42,4 +43,15 @@ TEST(ARXException, WrappingTakesOverWhatTheSourceHeldOnce)
         EXPECT_EQ((Lines{text, "place NEB_THROW"}), describe(wrapper));
         EXPECT_EQ(Lines{"NEBException: no messages"}, describe(source));
     }
+}
+
+TEST(ARXMessage, GetMessageReplacesTheResultAndKeepsTheNumber)
+{
+    ARXMessage own(99u), other("Other");
+    I18NString result("before");
+    own.getMessage("a.zip", 2, result);
+    EXPECT_STREQ("The archive a.zip can't be read.", result.c_str());
+    EXPECT_EQ(2u, own.getMessageId());
+    other.getMessage(nullptr, 5, result);
+    EXPECT_STREQ("Other:5", result.c_str());
 }

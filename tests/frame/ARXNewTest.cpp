@@ -39,9 +39,5 @@ TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
         EXPECT_EQ(left, target) << raised;
     }
     int* target = nullptr;
-    auto const foreign = [&]
-    {
-        NEB_NEW(target, []() -> int* { throw 7; }());
-    };
-    EXPECT_THROW(foreign(), int);
+    EXPECT_THROW(NEB_NEW(target, []() -> int* { throw 7; }()), int);
 }

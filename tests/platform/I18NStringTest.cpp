@@ -1,14 +1,13 @@
 #include "NEBCore/I18NString.h"
 
-#include <array>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "NEBCore/NEBException.h"
+#include "support/Threads.h"
 
 namespace
 {
@@ -28,7 +27,6 @@ TEST(I18NString, GivesBackTheBytesThatItTook)
         {"\x80\xFF\xC0\x80\xC1\xBF", u"\xDC80\xDCFF\xDCC0\xDC80\xDCC1\xDCBF"},
         {"\xE0\x9F\xBF\xED\xA0\x80", u"\xDCE0\xDC9F\xDCBF\xDCED\xDCA0\xDC80"},
         {"\xF0\x8F\xBF\xBF\xF4\x90\x80\x80", u"\xDCF0\xDC8F\xDCBF\xDCBF\xDCF4\xDC90\xDC80\xDC80"},
-        {"\xE2\x82", u"\xDCE2\xDC82"},
         {"\xE2\x82z\xF0\x9F\x98", u"\xDCE2\xDC82z\xDCF0\xDC9F\xDC98"}};
     for (auto const& [bytes, expected] : rows)
     {
@@ -56,13 +54,13 @@ TEST(I18NString, TakesLengthsAndExternalForms)
 TEST(I18NString, CountsOffsetsInUnitsAndTakesThoseBehindTheEndAsTheEnd)
 {
     I18NString const text("ab\xF0\x9F\x98\x80xb");  // six units
-    std::array const found{text.find(u'b'),     text.find(u'b', 2), text.find(u'a', 5),  text.find(u'b', -1),
-                           text.find(u'b', 99), text.rfind(u'b'),   text.rfind(u'b', 3), text.rfind(u'y')};
-    EXPECT_EQ((std::array{1, 5, -1, -1, -1, 5, 1, -1}), found);
+    std::vector const found{text.find(u'b'),     text.find(u'b', 2), text.find(u'a', 5),  text.find(u'b', -1),
+                            text.find(u'b', 99), text.rfind(u'b'),   text.rfind(u'b', 3), text.rfind(u'y')};
+    EXPECT_EQ((std::vector{1, 5, -1, -1, -1, 5, 1, -1}), found);
     std::vector<std::int32_t> next;
     for (std::int32_t offset : {0, 1, 2, 3, 5, 6, 99, -1})
         next.push_back(text.incrementOffset(offset));
-    EXPECT_EQ((std::vector<std::int32_t>{1, 2, 4, 4, 6, 6, 6, 6}), next);
+    EXPECT_EQ((std::vector{1, 2, 4, 4, 6, 6, 6, 6}), next);
     std::vector<I18NString> const parts{text.substr(4), text.substr(1, 1), text.substr(99, 2),
                                         text.substring(4, -1), text.substring(4, 3)};
     EXPECT_EQ((std::vector<I18NString>{"xb", "b", "", "xb", ""}), parts);
@@ -79,7 +77,6 @@ TEST(I18NString, ForgetsTheTextThatItGaveOutWithEachChange)
         {[](I18NString& text) { text.erase(1, 1); }, "ac"},
         {[](I18NString& text) { text.erase(1, -1); }, "a"},
         {[](I18NString& text) { text.remove(); }, ""},
-        {[](I18NString& text) { text.setTo("new"); }, "new"},
         {[](I18NString& text) { text = I18NString("moved"); }, "moved"},
         {[](I18NString& text) { text = *&text; }, "abc"}};
     for (auto const& [change, expected] : rows)
@@ -96,11 +93,9 @@ TEST(I18NString, GivesAllReadersAtOnceTheSameText)
     for (int round = 0; round < 20; ++round)
     {
         I18NString const text(std::string(1000000, 'x').c_str());  // long enough for the readers to overlap
-        char const* other = nullptr;
-        std::thread reader([&] { other = text.c_str(); });
-        char const* const own = text.c_str();
-        reader.join();
-        EXPECT_EQ(static_cast<void const*>(own), other);
+        void const* given[2];
+        onThreads(2, [&](int number) { given[number] = text.c_str(); });
+        EXPECT_EQ(given[0], given[1]);
     }
 }
 }  // namespace

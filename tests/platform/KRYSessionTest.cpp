@@ -1,88 +1,69 @@
 #include <array>
 #include <atomic>
-#include <cstdio>
-#include <functional>
-#include <memory>
-#include <thread>
+#include <cstdlib>
 #include <vector>
 
 #include "platform/KRYStarted.h"
+#include "support/ReadAll.h"
+#include "support/Threads.h"
 
 namespace
 {
+using Statuses = std::vector<std::int32_t>;
+
 // What each function that takes a session answers to that token.
-std::vector<std::int32_t> statusesFor(void* token)
+Statuses statusesFor(void* token)
 {
-    char* text = nullptr;
-    char* details = nullptr;
+    char *text = nullptr, *details = nullptr, name[] = "serviceID";
     std::uint32_t size = 0;
-    char name[] = "serviceID";
-    std::vector<std::int32_t> const statuses = {
+    Statuses const statuses = {
         KRY_SetInfo(token, "<setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>", nullptr),
         KRY_GetInfo(token, name, &text, nullptr),
         KRY_ProtectData(token, "", 0, &text, &size, nullptr),
         KRY_UnprotectData(token, nullptr, 0, &text, &size, nullptr),
         KRY_CryptoGetLastErrorDetails(token, nullptr, &details),
         KRY_CloseHandle(&token, nullptr, nullptr)};
-    KRY_CryptoFree(details, nullptr);
+    taken(details);
     return statuses;
-}
-
-std::string hex(std::string const& bytes)
-{
-    std::string text;
-    for (char const byte : bytes)
-        for (int const digit : {byte >> 4 & 15, byte & 15})
-            text += "0123456789abcdef"[digit];
-    return text;
-}
-
-// The last word that a command prints.
-std::string outputOf(std::string const& command)
-{
-    std::unique_ptr<FILE, decltype(&pclose)> const pipe(popen(command.c_str(), "r"), pclose);
-    std::array<char, 1000> text{};
-    std::string const line = fgets(text.data(), text.size(), pipe.get()) ? text.data() : "\n";
-    return line.substr(line.rfind(' ') + 1, line.size() - line.rfind(' ') - 2);
 }
 }  // namespace
 
 TEST_F(KRYStarted, SignatureIsWhatTheOpensslToolComputes)
 {
-    std::string const path = m_folder / "data";
-    for (std::string const service : {"TALM", "another service"})
-        for (std::string const& data : {std::string(), std::string("report.pdf"), std::string(1000, 'x')})
-        {
-            writeFile(path, data);
-            std::string const expected =
-                outputOf("key=$(openssl kdf -keylen 32 -kdfopt digest:SHA2-256 -kdfopt hexkey:" + hex(m_key) +
-                         " -kdfopt salt:KRY-CSKHMAC-1 -kdfopt 'info:" + service +
-                         "' HKDF | tr -d :); openssl dgst -sha256 -mac HMAC -macopt hexkey:$key " + path);
-            KRYTestSession session(service);
-            ASSERT_EQ(KRY_SUCCESS, session.sign());
-            std::string digests;
-            EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
-            EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
-            EXPECT_EQ(expected + expected, hex(digests));
-        }
+    std::string const path = m_folder / "data", result = m_folder / "result";
+    std::pair<std::string, std::string> const rows[] = {
+        {"TALM", ""}, {"TALM", "report.pdf"}, {"another service", std::string(1000, 'x')}};
+    for (auto const& [service, data] : rows)
+    {
+        writeFile(path, data);
+        std::string const command =
+            "key=$(openssl kdf -keylen 32 -kdfopt digest:SHA2-256 -kdfopt key:" + m_key +
+            " -kdfopt salt:KRY-CSKHMAC-1 -kdfopt 'info:" + service +
+            "' HKDF | tr -d :); openssl dgst -sha256 -mac HMAC -binary "
+            "-macopt hexkey:$key " +
+            path + " > " + result;
+        EXPECT_EQ(0, std::system(command.c_str()));
+        KRYTestSession session(service);
+        ASSERT_EQ(KRY_SUCCESS, session.sign());
+        std::string digests;
+        EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
+        EXPECT_EQ(KRY_SUCCESS, session.protect(data, &digests));
+        EXPECT_EQ(readAll(result) + readAll(result), digests);
+    }
 }
 
 TEST_F(KRYStarted, NullStaleAndForeignSessionsAreRefused)
 {
-    KRYTestSession open;
-    KRYTestSession closed;
-    void* const stale = closed.get();
+    KRYTestSession open, closed;
+    auto const number = reinterpret_cast<std::uintptr_t>(open.m_session);
+    auto const stale = reinterpret_cast<std::uintptr_t>(closed.m_session);
     EXPECT_EQ(KRY_SUCCESS, closed.close());
-    EXPECT_EQ(nullptr, closed.get());
+    EXPECT_EQ(nullptr, closed.m_session);
     KRYTestSession next;  // in the stale one's place
-    auto const number = reinterpret_cast<std::uintptr_t>(open.get());
     for (std::uintptr_t const token :
-         {std::uintptr_t{0}, reinterpret_cast<std::uintptr_t>(stale), reinterpret_cast<std::uintptr_t>(&open),
-          std::uintptr_t{1}, ~std::uintptr_t{0}, number ^ 1, number + (std::uintptr_t{1} << 20),
-          number << 1 >> 1})
-        EXPECT_EQ(std::vector<std::int32_t>(6, KRY_ERROR_SESSION),
-                  statusesFor(reinterpret_cast<void*>(token)))
-            << token;
+         {std::uintptr_t{0}, stale, reinterpret_cast<std::uintptr_t>(&open), std::uintptr_t{1},
+          ~std::uintptr_t{0}, number ^ 1, number + (std::uintptr_t{1} << 20), number << 1 >> 1})
+        EXPECT_EQ(Statuses(6, KRY_ERROR_SESSION), statusesFor(reinterpret_cast<void*>(token))) << token;
     EXPECT_EQ(KRY_SUCCESS, open.sign());
     EXPECT_EQ(KRY_SUCCESS, next.sign());
 }
@@ -91,12 +72,10 @@ TEST_F(KRYStarted, MissingArgumentsAreRefused)
 {
     KRYTestSession session("TALM");
     ASSERT_EQ(KRY_SUCCESS, session.sign());
-    void* const token = session.get();
-    char* text = nullptr;
+    void* const token = session.m_session;
+    char *text = nullptr, name[] = "serviceID", unknown[] = "masterKey";
     std::uint32_t size = 0;
-    char name[] = "serviceID";
-    char unknown[] = "masterKey";
-    std::vector<std::int32_t> const statuses = {
+    Statuses const statuses = {
         KRY_PersistentInitialize(nullptr, "", nullptr, nullptr),
         KRY_CloseHandle(nullptr, nullptr, nullptr),
         KRY_GetInfo(token, nullptr, &text, nullptr),
@@ -108,7 +87,7 @@ TEST_F(KRYStarted, MissingArgumentsAreRefused)
         KRY_UnprotectData(token, "x", 1, &text, &size, nullptr),
         KRY_CryptoGetLastErrorDetails(token, nullptr, nullptr),
     };
-    EXPECT_EQ(std::vector<std::int32_t>(statuses.size(), KRY_ERROR_ARGUMENT), statuses);
+    EXPECT_EQ(Statuses(statuses.size(), KRY_ERROR_ARGUMENT), statuses);
     EXPECT_EQ(KRY_SUCCESS, KRY_GetInfo(token, name, &text, nullptr));
     EXPECT_EQ("TALM", taken(text));
 }
@@ -123,29 +102,25 @@ TEST_F(KRYStarted, ManyThreadsSignAlikeUntilTheirSessionGoes)
         ASSERT_EQ(KRY_SUCCESS, shared.sign());
         ASSERT_EQ(KRY_SUCCESS, shared.protect("x", &expected));
         std::atomic<int> count{0};
-        auto const work = [&, token = shared.get()](KRYTestSession& own)
+        auto const work = [&](std::size_t number)
         {
-            own.sign();
-            char* bytes = nullptr;
-            std::uint32_t size = 0;
-            std::int32_t status;
-            while (KRY_SUCCEEDED(status = KRY_ProtectData(token, "x", 1, &bytes, &size, nullptr)))
+            if (number == owns.size())
             {
-                EXPECT_EQ(expected, std::string(bytes, size));
-                KRY_CryptoFree(bytes, nullptr);
-                std::string digest;
-                EXPECT_TRUE(own.protect("x", &digest) != KRY_SUCCESS || digest == expected);
-                ++count;
+                while (count < 2000)
+                    std::this_thread::yield();
+                void* token = shared.m_session;
+                EXPECT_EQ(KRY_SUCCESS, reap ? stop(s_service) : KRY_CloseHandle(&token, nullptr, nullptr));
+                return;
             }
-            EXPECT_EQ(KRY_ERROR_SESSION, status);
+            owns[number].sign();
+            for (std::int32_t status = KRY_SUCCESS; status == KRY_SUCCESS; ++count)
+            {
+                std::string digest, ownDigest;
+                status = shared.protect("x", &digest);
+                EXPECT_TRUE(status == KRY_ERROR_SESSION || digest == expected);
+                EXPECT_TRUE(owns[number].protect("x", &ownDigest) != KRY_SUCCESS || ownDigest == expected);
+            }
         };
-        std::vector<std::thread> threads;
-        for (KRYTestSession& own : owns)
-            threads.emplace_back(work, std::ref(own));
-        while (count < 2000)
-            std::this_thread::yield();
-        EXPECT_EQ(KRY_SUCCESS, reap ? stop(s_service) : shared.close());
-        for (std::thread& thread : threads)
-            thread.join();
+        onThreads(9, work);
     }
 }

@@ -17,10 +17,15 @@
 
 inline void writeFile(std::string const& path, std::string_view bytes, mode_t mode = 0600)
 {
-    std::remove(
-        path.c_str());  // an overwritten file would go to the disk at once on ext4, a new one does not
+    std::remove(path.c_str());  // an overwritten file would go to the disk at once on ext4
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     ASSERT_EQ(0, chmod(path.c_str(), mode));
+}
+
+// "<name>content</name>"
+inline std::string element(std::string const& name, std::string const& content)
+{
+    return "<" + name + ">" + content + "</" + name + ">";
 }
 
 // The text of details, which are freed.
@@ -35,7 +40,7 @@ inline std::string taken(char* details)
 inline std::int32_t start(std::string const& content, std::string* text = nullptr)
 {
     char* details = nullptr;
-    std::string const document = "<initializeDocument>" + content + "</initializeDocument>";
+    std::string const document = element("initializeDocument", content);
     std::int32_t const status = KRY_CryptoInitialize(document.c_str(), nullptr, &details);
     EXPECT_EQ(KRY_SUCCEEDED(status), details == nullptr);
     std::string const reason = taken(details);
@@ -45,18 +50,15 @@ inline std::int32_t start(std::string const& content, std::string* text = nullpt
 }
 inline std::int32_t stop(std::string const& content)
 {
-    return KRY_CryptoTerminate(("<terminateDocument>" + content + "</terminateDocument>").c_str(), nullptr,
-                               nullptr);
+    return KRY_CryptoTerminate(element("terminateDocument", content).c_str(), nullptr, nullptr);
 }
 constexpr char s_service[] = "<serviceID>Arxium</serviceID>";
 
-class KRYTestSession
+struct KRYTestSession
 {
-public:
     explicit KRYTestSession(std::string const& id = "ARXIUM")
     {
-        std::string const document =
-            "<sessionConfigDocument><serviceID>" + id + "</serviceID></sessionConfigDocument>";
+        std::string const document = element("sessionConfigDocument", element("serviceID", id));
         EXPECT_EQ(KRY_SUCCESS, KRY_PersistentInitialize(&m_session, document.c_str(), nullptr, nullptr));
     }
     ~KRYTestSession() { close(); }
@@ -64,46 +66,47 @@ public:
     KRYTestSession& operator=(KRYTestSession const&) = delete;
 
     std::int32_t close() { return KRY_CloseHandle(&m_session, nullptr, nullptr); }
-    void* get() const { return m_session; }
 
     std::int32_t setUp(std::string const& content)
     {
-        return KRY_SetInfo(m_session, ("<setInfoDocument>" + content + "</setInfoDocument>").c_str(),
-                           nullptr);
+        return KRY_SetInfo(m_session, element("setInfoDocument", content).c_str(), nullptr);
     }
     std::int32_t sign() { return setUp("<action>CSKHMAC</action><dataLocation>memory</dataLocation>"); }
     std::int32_t cipher(std::string const& path)
     {
-        return setUp("<action>CipherStream</action><fileOutput>" + path + "</fileOutput>");
+        return setUp("<action>CipherStream</action>" + element("fileOutput", path));
     }
     std::int32_t decipher(std::string const& path)
     {
-        return setUp("<action>DecipherStream</action><fileInput>" + path + "</fileInput>");
+        return setUp("<action>DecipherStream</action>" + element("fileInput", path));
     }
     std::int32_t closingDocument() { return setUp("<dataLocation>file</dataLocation>"); }
     std::int32_t finish() { return closingDocument() == KRY_SUCCESS ? protect("") : KRY_ERROR_INTERNAL; }
 
     std::int32_t protect(std::string_view data, std::string* out = nullptr)
     {
-        char* bytes = nullptr;
         std::uint32_t count = 7;
-        auto const size = static_cast<std::uint32_t>(data.size());
-        std::int32_t const status = KRY_ProtectData(m_session, data.data(), size, &bytes, &count, nullptr);
-        return take(status, bytes, count, out);
+        return transfer(KRY_ProtectData, data, count, out);
     }
-    // Appends up to wanted bytes to out.
-    std::int32_t read(std::string& out, std::uint32_t wanted = 0)
-    {
-        char* bytes = nullptr;
-        std::int32_t const status = KRY_UnprotectData(m_session, nullptr, 0, &bytes, &wanted, nullptr);
-        return take(status, bytes, wanted, &out);
-    }
-    // Appends all the rest to out: success for a clean end.
+    // Appends all the rest to out, at most wanted bytes at once: success for a clean end.
     std::int32_t readAll(std::string& out, std::uint32_t wanted = 0)
     {
-        std::size_t const before = out.size();
-        std::int32_t const status = read(out, wanted);
-        return KRY_SUCCEEDED(status) && out.size() != before ? readAll(out, wanted) : status;
+        std::uint32_t count = wanted;
+        std::int32_t const status = transfer(KRY_UnprotectData, {}, count, &out);
+        return KRY_SUCCEEDED(status) && count != 0 ? readAll(out, wanted) : status;
+    }
+    std::int32_t transfer(decltype(&KRY_ProtectData) function, std::string_view data, std::uint32_t& count,
+                          std::string* out)
+    {
+        char* bytes = nullptr;
+        auto const size = static_cast<std::uint32_t>(data.size());
+        std::int32_t const status = function(m_session, data.data(), size, &bytes, &count, nullptr);
+        EXPECT_EQ(count == 0, bytes == nullptr);
+        EXPECT_TRUE(KRY_SUCCEEDED(status) || count == 0);
+        if (out)
+            out->append(bytes ? bytes : "", count);
+        KRY_CryptoFree(bytes, nullptr);
+        return status;
     }
 
     std::string lastFailure()
@@ -113,23 +116,11 @@ public:
         return taken(details);
     }
 
-private:
-    static std::int32_t take(std::int32_t status, char* bytes, std::uint32_t count, std::string* out)
-    {
-        EXPECT_EQ(count == 0, bytes == nullptr);
-        EXPECT_TRUE(KRY_SUCCEEDED(status) || count == 0);
-        if (out)
-            out->append(bytes ? bytes : "", count);
-        KRY_CryptoFree(bytes, nullptr);
-        return status;
-    }
-
     void* m_session = nullptr;
 };
 
-class KRYStarted : public testing::Test
+struct KRYStarted : testing::Test
 {
-protected:
     KRYStarted() { startWithKey(m_key); }
     ~KRYStarted() override
     {

@@ -20,9 +20,10 @@ using Words = std::vector<unsigned long>;
 struct Kernel
 {
     Words m_set;
-    bool m_refusesGet = false, m_refusesSet = false;
-    std::string m_calls;
+    char m_refused = '\0';  // of the calls below
+    std::string m_calls;    // g that worked, s
 } s_kernel;
+std::size_t s_readSize = 0;  // of the last set that was read
 }  // namespace
 
 extern "C" int sched_getaffinity(pid_t task, std::size_t size, cpu_set_t* set) noexcept
@@ -32,9 +33,10 @@ extern "C" int sched_getaffinity(pid_t task, std::size_t size, cpu_set_t* set) n
         return syscall(SYS_sched_getaffinity, task, size, set) < 0 ? -1 : 0;
     std::size_t const needed = s_kernel.m_set.size() * sizeof(unsigned long);
     errno = size < needed ? EINVAL : EPERM;
-    if (size < needed || s_kernel.m_refusesGet)
+    if (size < needed || s_kernel.m_refused == 'g')
         return -1;
     s_kernel.m_calls += 'g';
+    s_readSize = size;
     std::memcpy(set, s_kernel.m_set.data(), needed);
     return 0;
 }
@@ -43,8 +45,9 @@ extern "C" int sched_setaffinity(pid_t task, std::size_t size, cpu_set_t const* 
 {
     if (s_kernel.m_set.empty())
         return static_cast<int>(syscall(SYS_sched_setaffinity, task, size, set));
-    s_kernel.m_calls += 's';
-    if (s_kernel.m_refusesSet)
+    bool const isSound = task == 0 && (size == sizeof(unsigned long) || size == s_readSize);
+    s_kernel.m_calls += isSound ? 's' : '?';
+    if (s_kernel.m_refused == 's')
         return -1;
     std::fill(s_kernel.m_set.begin(), s_kernel.m_set.end(), 0);
     std::memcpy(s_kernel.m_set.data(), set, std::min(size, s_kernel.m_set.size() * sizeof(unsigned long)));
@@ -56,106 +59,74 @@ namespace
 DWORD_PTR constexpr s_all = ~DWORD_PTR{0};
 auto const pin = [](DWORD_PTR mask) { return SetThreadAffinityMask(GetCurrentThread(), mask); };
 
-// What the layer remembers belongs to a thread: a new one starts without.
-template <class Body>
-void onNewThread(Words const& set, Body const& body)
+struct Step
 {
-    s_kernel = Kernel();
-    s_kernel.m_set = set;
-    std::thread(body).join();
-}
-
-struct PinCase
-{
-    Words m_set;
     DWORD_PTR m_mask, m_former;
-    char const* m_calls;  // of pinning and undoing it
+    Words m_set;          // behind it; of mask 0, before it too
+    char const* m_calls;  // made by it
+    char m_refused = '\0';
 };
 
-PinCase const s_pinCases[] = {
-    {{0x3}, 1, 0x3, "gss"},
-    {{0x4}, 4, 0x4, "g"},
-    {{0x2}, 1, 0x2, "gss"},
-    {{s_all, s_all, s_all, 0xF}, 1, s_all, "gss"},
-    {{0, 0, 0, 0x10}, 1, s_all, "gss"},
-    {{1, 0, 0, 0, 0, 0, 1}, 1, s_all, "gss"},
-    {{0x3}, 0, 0, ""},
+std::vector<Step> const s_rows[] = {
+    {{0, 0, {3}, ""}, {1, 3, {1}, "gs"}, {3, 1, {3}, "s"}, {1, 3, {1}, "gs"}, {3, 1, {3}, "s"}},
+    {{0, 0, {4}, ""}, {4, 4, {4}, "g"}, {4, 4, {4}, ""}, {4, 4, {4}, "g"}},
+    // More processors than a mask has bits, and one pinning inside another.
+    {{0, 0, {5, 0, 0, 0, 7}, ""},
+     {4, s_all, {4, 0, 0, 0, 0}, "gs"},
+     {1, 4, {1, 0, 0, 0, 0}, "gs"},
+     {4, 1, {4, 0, 0, 0, 0}, "s"},
+     {s_all, 4, {5, 0, 0, 0, 7}, "gs"},
+     {0, 0, {s_all, 0}, ""},  // somebody else's doing: all ones now stand for that
+     {1, s_all, {1, 0}, "gs"},
+     {s_all, 1, {s_all, 0}, "s"}},
+    // The system refuses to set, then to get; more processors than any kernel has.
+    {{0, 0, {3, 1}, ""},
+     {1, 0, {3, 1}, "gs", 's'},
+     {1, s_all, {1, 0}, "gs"},
+     {s_all, 0, {1, 0}, "s", 's'},
+     {s_all, 1, {3, 1}, "s"},
+     {1, 0, {3, 1}, "", 'g'}},
+    {{0, 0, Words(1024, 1), ""}, {1, 0, Words(1024, 1), ""}},
 };
 
 TEST(OsCounterPin, GivesBackExactlyTheSetThatWasThere)
 {
-    for (PinCase const& c : s_pinCases)
-        onNewThread(c.m_set,
-                    [&c]
-                    {
-                        Words pinned(c.m_set.size());
-                        pinned[0] = c.m_mask;
-                        for (int round = 0; round < 2; ++round)
-                        {
-                            s_kernel.m_calls.clear();
-                            EXPECT_EQ(c.m_former, pin(c.m_mask));
-                            EXPECT_EQ(c.m_mask == 0 ? c.m_set : pinned, s_kernel.m_set);
-                            EXPECT_EQ(c.m_mask, pin(c.m_former));
-                            EXPECT_EQ(c.m_set, s_kernel.m_set);
-                            EXPECT_EQ(c.m_calls, s_kernel.m_calls);
-                        }
-                    });
+    auto const play = [](std::vector<Step> const& row)
+    {
+        for (Step const& step : row)
+        {
+            s_kernel = {step.m_mask == 0 ? step.m_set : s_kernel.m_set, step.m_refused, ""};
+            EXPECT_EQ(step.m_former, pin(step.m_mask));
+            EXPECT_EQ(step.m_set, s_kernel.m_set);
+            EXPECT_EQ(step.m_calls, s_kernel.m_calls);
+        }
+    };
+    for (auto const& row : s_rows)  // on a new thread each: what the layer remembers belongs to a thread
+        std::thread(play, row).join();
 }
 
-TEST(OsCounterPin, UndoesAPinningInsideAnother)
+TEST(OsCounterPin, TellsTheProcessorsOfTheProcess)
 {
-    onNewThread({0x5, 0x7},
-                []
-                {
-                    EXPECT_EQ(s_all, pin(4));
-                    EXPECT_EQ(1u, pin(pin(1)));
-                    EXPECT_EQ((Words{4, 0}), s_kernel.m_set);
-                    EXPECT_EQ(4u, pin(s_all));
-                    EXPECT_EQ((Words{0x5, 0x7}), s_kernel.m_set);
-                    s_kernel.m_set = {s_all, 0};  // somebody else's doing: all ones now stand for that
-                    EXPECT_EQ(1u, pin(pin(1)));
-                    EXPECT_EQ((Words{s_all, 0}), s_kernel.m_set);
-                });
-}
-
-TEST(OsCounterPin, LeavesTheThreadAloneWhereTheSystemRefuses)
-{
-    onNewThread({0x3, 0x1},
-                []
-                {
-                    DWORD_PTR process = 0, system = 0, former = 0;
-                    EXPECT_NE(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
-                    EXPECT_EQ(3u, process);
-                    for (DWORD_PTR const mask : {DWORD_PTR{1}, s_all})  // the second undoes the first
-                    {
-                        s_kernel.m_refusesSet = true;
-                        EXPECT_EQ(0u, pin(mask));
-                        s_kernel.m_refusesSet = false;
-                        EXPECT_NE(0u, former = pin(mask));
-                    }
-                    EXPECT_EQ(1u, former);
-                    s_kernel.m_refusesGet = true;
-                    EXPECT_EQ(0u, pin(1) + SetThreadAffinityMask(GetCurrentProcess(), 1));
-                    EXPECT_EQ(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
-                    EXPECT_EQ((Words{0x3, 0x1}), s_kernel.m_set);
-                });
-    onNewThread(Words(1024, 1), [] { EXPECT_EQ(0u, pin(1)); });  // more processors than any kernel has
+    DWORD_PTR process = 0, system = 0;
+    s_kernel = {{3, 1}, '\0', ""};
+    EXPECT_NE(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
+    EXPECT_EQ(3u, process);
+    EXPECT_EQ(0u, SetThreadAffinityMask(GetCurrentProcess(), 1));
+    s_kernel.m_refused = 'g';
+    EXPECT_EQ(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
 }
 
 TEST(OsCounterPin, MovesARealThreadThereAndBack)
 {
-    onNewThread({},
-                []
-                {
-                    cpu_set_t before, after;
-                    ASSERT_EQ(0, sched_getaffinity(0, sizeof before, &before));
-                    auto const mask = DWORD_PTR{1} << sched_getcpu() % 64;
-                    EXPECT_EQ(mask, pin(pin(mask)));
-                    ASSERT_EQ(0, sched_getaffinity(0, sizeof after, &after));
-                    EXPECT_TRUE(CPU_EQUAL(&before, &after));
-                    LARGE_INTEGER first, second;
-                    EXPECT_TRUE(QueryPerformanceCounter(&first) && QueryPerformanceCounter(&second));
-                    EXPECT_LE(first.QuadPart, second.QuadPart);
-                });
+    s_kernel = Kernel();
+    cpu_set_t before, after;
+    ASSERT_EQ(0, sched_getaffinity(0, sizeof before, &before));
+    auto const mask = DWORD_PTR{1} << sched_getcpu() % 64;
+    EXPECT_EQ(mask, pin(pin(mask)));
+    ASSERT_EQ(0, sched_getaffinity(0, sizeof after, &after));
+    EXPECT_TRUE(CPU_EQUAL(&before, &after));
+    LARGE_INTEGER first, second;
+    EXPECT_TRUE(QueryPerformanceCounter(&first) && QueryPerformanceCounter(&second));
+    EXPECT_LE(first.QuadPart, second.QuadPart);
 }
 }  // namespace
