@@ -102,8 +102,9 @@ TEST_F(KRYStarted, ManyThreadsSignAlikeUntilTheirSessionGoes)
         ASSERT_EQ(KRY_SUCCESS, shared.sign());
         ASSERT_EQ(KRY_SUCCESS, shared.protect("x", &expected));
         std::atomic<int> count{0};
-        auto const work = [&](std::size_t number)
+        auto const work = [&](int thread)
         {
+            auto const number = static_cast<std::size_t>(thread);
             if (number == owns.size())
             {
                 while (count < 2000)
