@@ -15,9 +15,12 @@ class KRYSlotLock
 public:
     void lock()
     {
-        for (int tried = 1; m_isTaken.exchange(true, std::memory_order_acquire); ++tried)
-            if (tried < 20)
+        for (int yields = 20; m_isTaken.exchange(true, std::memory_order_acquire);)
+            if (yields > 0)
+            {
+                --yields;
                 std::this_thread::yield();
+            }
             else
                 std::this_thread::sleep_for(std::chrono::microseconds(50));
     }
