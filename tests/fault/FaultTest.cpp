@@ -446,7 +446,7 @@ protected:
 
 TEST_F(FaultTest, NoLackOfMemoryCrashesLeaksOrSpoilsAnything)
 {
-    EXPECT_LE(1500, strikeAll({{FaultPlan::oneAllocation}, {FaultPlan::allAllocations}}));
+    EXPECT_LE(2000, strikeAll({{FaultPlan::oneAllocation}, {FaultPlan::allAllocations}}));
 }
 
 TEST_F(FaultTest, NoFailingSystemCallLeaksOrSpoilsAnything)
