@@ -30,11 +30,23 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, OnePairOfTextsIsSetUpOnceAndClosedByTheSto
     use("cnfgin", "fo");
     use("", "");
     restart();
-    std::string const begin = "PersistentInitialize cnfg, SetInfo ", used = "GetInfo S1 null null null, ";
-    EXPECT_EQ(begin + "S1 info, " + used + used + begin + "S2 other, GetInfo S2 null null null, " + used +
-                  "PersistentInitialize, SetInfo S3 , GetInfo S3 null null null, "
-                  "CloseHandle S3, CloseHandle S2, CloseHandle S1",
-              m_recorder.takeStory());
+    Lines const expected = {
+        "KRY_PersistentInitialize cnfg",
+        "KRY_SetInfo S1 info",
+        "KRY_GetInfo S1 null null null",
+        "KRY_GetInfo S1 null null null",
+        "KRY_PersistentInitialize cnfg",
+        "KRY_SetInfo S2 other",
+        "KRY_GetInfo S2 null null null",
+        "KRY_GetInfo S1 null null null",
+        "KRY_PersistentInitialize",
+        "KRY_SetInfo S3 ",
+        "KRY_GetInfo S3 null null null",
+        "KRY_CloseHandle S3",
+        "KRY_CloseHandle S2",
+        "KRY_CloseHandle S1",
+    };
+    EXPECT_EQ(expected, m_recorder.takeCalls());
 }
 
 TEST_F(ARXKRYHandleFactoryWorkerTest, AFailedSetUpLeavesNothingBehindAndIsTriedAgain)
@@ -42,16 +54,23 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, AFailedSetUpLeavesNothingBehindAndIsTriedA
     std::string const thrown =
         "ARXException: reason | crypto/ARXKRYHandleFactoryWorker.cpp NEB_THROW "
         "ARXKRYHandleFactoryWorker::HandleResource::initHandle - Error in ";
-    std::string const first = "PersistentInitialize cnfg", both = first + ", SetInfo S1 info";
-    std::string const details = ", GetLastErrorDetails S1, Free details, CloseHandle S1";
-    std::pair<std::string, std::string> const rows[] = {
-        {"KRY_PersistentInitialize", first + ", Free details"}, {"KRY_SetInfo", both + details}};
-    for (auto const& [function, story] : rows)
+    struct
     {
+        char const* m_function;
+        Lines m_calls;
+    } const rows[] = {
+        {"KRY_PersistentInitialize", {"KRY_PersistentInitialize cnfg", "KRY_CryptoFree details"}},
+        {"KRY_SetInfo",
+         {"KRY_PersistentInitialize cnfg", "KRY_SetInfo S1 info", "KRY_CryptoGetLastErrorDetails S1",
+          "KRY_CryptoFree details", "KRY_CloseHandle S1"}},
+    };
+    for (auto const& row : rows)
+    {
+        SCOPED_TRACE(row.m_function);
         m_recorder.reset();
-        m_recorder.failCall(function, 1, Fault::Details);
-        EXPECT_EQ(thrown + function, joined(raisedBy([] { use("cnfg", "info"); })));
-        EXPECT_EQ(story, m_recorder.takeStory());
+        m_recorder.failCall(row.m_function, 1, Fault::Details);
+        EXPECT_EQ(thrown + row.m_function, joined(raisedBy([] { use("cnfg", "info"); })));
+        EXPECT_EQ(row.m_calls, m_recorder.takeCalls());
         use("cnfg", "info");
         EXPECT_EQ("KRY_PersistentInitialize cnfg", m_recorder.takeCalls()[0]);
         restart();
@@ -75,5 +94,5 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, RefusesNullSessionsNullDocumentsAndEveryth
     };
     for (auto const& [call, text] : rows)
         EXPECT_EQ("NEBAssertError: NEB_ASSERT" + text, raisedBy(call).at(0));
-    EXPECT_EQ("PersistentInitialize cnfg, SetInfo null info", m_recorder.takeStory());
+    EXPECT_EQ((Lines{"KRY_PersistentInitialize cnfg", "KRY_SetInfo null info"}), m_recorder.takeCalls());
 }

@@ -1,7 +1,5 @@
 #include "crypto/ARXKRYHandle.h"
 
-#include <tuple>
-
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "NEBCore/NEBThreadGuard.h"
 #include "crypto/ARXSimpleKRYHandle.h"
@@ -26,22 +24,51 @@ TEST_F(ARXKRYHandleTest, EachFailureIsToldWithItsDetailsAndFreesThem)
     std::string const open = "persistentInitialize - Error in KRY_PersistentInitialize";
     std::string const set = "setInfo - Error in KRY_SetInfo",
                       close = "closeHandle - Error in KRY_CloseHandle";
-    std::string const first = "PersistentInitialize one", second = first + ", SetInfo S1 info";
-    std::string const last = "GetLastErrorDetails S1", third = second + ", CloseHandle S1";
-    std::string const free = ", Free details", again = ", CloseHandle S1",
-                      next = ", PersistentInitialize two";
-    std::tuple<std::string, int, Fault, std::string, std::string> const rows[] = {
-        {"", 1, Fault::None, "", third + next + ", CloseHandle S2"},
-        {"PersistentInitialize", 1, Fault::Details, reason + open, first + free},
-        {"PersistentInitialize", 2, Fault::Status, none + open, third + next},
-        {"SetInfo", 1, Fault::Status, reason + set, second + ", " + last + free + again},
-        {"CloseHandle", 1, Fault::Details, reason + close, third + free + again},
-        {"CloseHandle", 2, Fault::Details, "", third + next + ", CloseHandle S2" + free},
-    };
-    for (auto const& [function, call, fault, raised, story] : rows)
+    std::string const openOne = "KRY_PersistentInitialize one", openTwo = "KRY_PersistentInitialize two",
+                      setUp = "KRY_SetInfo S1 info", askWhy = "KRY_CryptoGetLastErrorDetails S1",
+                      closeOne = "KRY_CloseHandle S1", closeTwo = "KRY_CloseHandle S2",
+                      freeDetails = "KRY_CryptoFree details";
+    struct
     {
+        char const* m_name;
+        char const* m_function;
+        int m_call;
+        Fault m_fault;
+        std::string m_raised;
+        Lines m_calls;
+    } const rows[] = {
+        {"NoFault", "", 1, Fault::None, "", {openOne, setUp, closeOne, openTwo, closeTwo}},
+        {"FirstOpen", "KRY_PersistentInitialize", 1, Fault::Details, reason + open, {openOne, freeDetails}},
+        {"SecondOpen",
+         "KRY_PersistentInitialize",
+         2,
+         Fault::Status,
+         none + open,
+         {openOne, setUp, closeOne, openTwo}},
+        {"SetInfo",
+         "KRY_SetInfo",
+         1,
+         Fault::Status,
+         reason + set,
+         {openOne, setUp, askWhy, freeDetails, closeOne}},
+        {"CloseByOpen",
+         "KRY_CloseHandle",
+         1,
+         Fault::Details,
+         reason + close,
+         {openOne, setUp, closeOne, freeDetails, closeOne}},
+        {"CloseByEnd",
+         "KRY_CloseHandle",
+         2,
+         Fault::Details,
+         "",
+         {openOne, setUp, closeOne, openTwo, closeTwo, freeDetails}},
+    };
+    for (auto const& row : rows)
+    {
+        SCOPED_TRACE(row.m_name);
         m_recorder.reset();
-        m_recorder.failCall("KRY_" + function, call, fault);
+        m_recorder.failCall(row.m_function, row.m_call, row.m_fault);
         auto const use = []
         {
             ARXKRYHandle handle;
@@ -50,8 +77,8 @@ TEST_F(ARXKRYHandleTest, EachFailureIsToldWithItsDetailsAndFreesThem)
             handle.setInfo("info", nullptr);
             handle.persistentInitialize("two", nullptr);
         };
-        EXPECT_EQ(raised, joined(raisedBy(use)));
-        EXPECT_EQ(story, m_recorder.takeStory());
+        EXPECT_EQ(row.m_raised, joined(raisedBy(use)));
+        EXPECT_EQ(row.m_calls, m_recorder.takeCalls());
         EXPECT_EQ(Lines(), m_recorder.problems());
     }
 }
@@ -75,10 +102,15 @@ TEST_F(ARXKRYHandleTest, BothKindsPassDataAndWriteTheSizeAlsoOnFailure)
             EXPECT_EQ("<by>plain", std::string(data, size) + std::string(plain, plainSize));
             handle->cryptoFree(data, nullptr);
             handle->cryptoFree(plain, nullptr);
-            std::string const name = handle == &m_full ? "S2 " : "S1 ";
-            EXPECT_EQ("ProtectData " + name + "by, UnprotectData " + name + "bytes wanted 9, GetInfo " +
-                          name + "a b c, Free data, Free data",
-                      m_recorder.takeStory());
+            std::string const name = handle == &m_full ? "S2" : "S1";
+            Lines const expected = {
+                "KRY_ProtectData " + name + " by",
+                "KRY_UnprotectData " + name + " bytes wanted 9",
+                "KRY_GetInfo " + name + " a b c",
+                "KRY_CryptoFree data",
+                "KRY_CryptoFree data",
+            };
+            EXPECT_EQ(expected, m_recorder.takeCalls());
         }
     KRY_CloseHandle(&m_session, nullptr, nullptr);
     m_full.closeHandle();
@@ -94,5 +126,5 @@ TEST_F(ARXKRYHandleTest, SizesBeyond32BitsReachNeitherTheLockNorTheInterface)
         EXPECT_THROW(handle->protectData("", size, &data, &size, nullptr), NEBException);
         EXPECT_THROW(handle->unprotectData("", 0, &data, &size, nullptr), NEBException);
     }
-    EXPECT_EQ("", m_recorder.takeStory());
+    EXPECT_EQ(Lines(), m_recorder.takeCalls());
 }

@@ -9,7 +9,7 @@ using ArxiumTest = RecordedTest;
 
 TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWorkAndAFailedStartDoesNotCount)
 {
-    std::map<char, void (*)()> const calls = {
+    std::map<char, void (*)()> const actions = {
         {'F', [] { Arxium::initialize(); }},
         {'H', [] { Arxium::initialize(false); }},
         {'S', [] { ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle("cnfg", "info")); }},
@@ -17,39 +17,47 @@ TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWorkAndAFailedStartDoesNotCoun
     auto const exchange = [](std::string const& call, std::string const& root)
     {
         return call + " <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><" + root +
-               "><serviceID>Arxium</serviceID></" + root + ">, ";
+               "><serviceID>Arxium</serviceID></" + root + ">";
     };
-    std::string const begin = "I18NInitialize, " + exchange("Initialize", "initializeDocument"),
-                      close = exchange("Terminate", "terminateDocument"), end = close + "I18NTerminate, ",
-                      init = "KRY_CryptoInitialize", term = "KRY_CryptoTerminate", free = "Free details, ",
-                      error = "- NEBAssertError: NEB_ASSERT";
-    std::string const full = begin + "F+, " + end + "T-", thrown = "); | frame/Arxium.cpp NEB_THROW, ";
-    std::string const text = "_NAMED(::initCrypto(), \"Arxium::initialize - crypto initialization failed\"";
-    std::string const failed = begin + "F+, " + close + free + "I18NTerminate, T-";
-    std::string const shared = "PersistentInitialize cnfg, SetInfo S1 info, S+, CloseHandle S1, ";
-    // What was called, and each step behind it: whether the library serves then, and what the step raised.
-    std::tuple<std::string, Fault, std::string, std::string> const rows[] = {
-        {"", Fault::None, "HFTT", "H+, F+, T+, T-"},
-        {"", Fault::None, "FHTT", begin + "F+, H+, T+, " + end + "T-"},
-        {"", Fault::None, "HTFT", "H+, T-, " + full},
-        {"", Fault::None, "TFT", "T" + error + "(m_initcount > 0" + thrown + full},
-        {"", Fault::None, "FST", begin + "F+, " + shared + end + "T-"},
-        {init, Fault::Details, "FFT", begin + free + "F" + error + text + thrown + full},
-        {term, Fault::Details, "FT", failed},
-        {term, Fault::Exception, "FT", failed},
+    std::string const init = "KRY_CryptoInitialize", term = "KRY_CryptoTerminate",
+                      free = "KRY_CryptoFree details", startTexts = "I18NInitialize",
+                      startCrypto = exchange(init, "initializeDocument"),
+                      stopCrypto = exchange(term, "terminateDocument"), stopTexts = "I18NTerminate",
+                      error = "- NEBAssertError: NEB_ASSERT", thrown = "); | frame/Arxium.cpp NEB_THROW",
+                      notRunning = "T" + error + "(m_initcount > 0" + thrown,
+                      notStarted = "F" + error +
+                                   "_NAMED(::initCrypto(), \"Arxium::initialize - crypto "
+                                   "initialization failed\"" +
+                                   thrown;
+    Lines const start = {startTexts, startCrypto, "F+"}, stop = {stopCrypto, stopTexts, "T-"},
+                full = concatenated({start, stop}),
+                failedStop = concatenated({start, {stopCrypto, free, stopTexts, "T-"}});
+    // What was called, and after each step: whether the library serves then, and what the step raised.
+    std::tuple<std::string, Fault, std::string, Lines> const rows[] = {
+        {"", Fault::None, "HFTT", {"H+", "F+", "T+", "T-"}},
+        {"", Fault::None, "FHTT", concatenated({start, {"H+", "T+"}, stop})},
+        {"", Fault::None, "HTFT", concatenated({{"H+", "T-"}, full})},
+        {"", Fault::None, "TFT", concatenated({{notRunning}, full})},
+        {"", Fault::None, "FST",
+         concatenated({start,
+                       {"KRY_PersistentInitialize cnfg", "KRY_SetInfo S1 info", "S+", "KRY_CloseHandle S1"},
+                       stop})},
+        {init, Fault::Details, "FFT", concatenated({{startTexts, startCrypto, free, notStarted}, full})},
+        {term, Fault::Details, "FT", failedStop},
+        {term, Fault::Exception, "FT", failedStop},
     };
-    for (auto const& [function, fault, steps, story] : rows)
+    for (auto const& [function, fault, steps, calls] : rows)
     {
         m_recorder.reset();
         m_recorder.failCall(function, 1, fault);
         for (char const step : steps)
         {
-            std::string const raised = joined(raisedBy(calls.at(step)));
+            std::string const raised = joined(raisedBy(actions.at(step)));
             bool const isServing = raisedBy([] { ARXKRYHandleFactory::destroyHandle(nullptr); }).empty();
             m_recorder.m_calls.push_back(step + std::string(isServing ? "+" : "-") +
                                          (raised.empty() ? "" : " " + raised));
         }
-        EXPECT_EQ(story, m_recorder.takeStory());
+        EXPECT_EQ(calls, m_recorder.takeCalls());
         EXPECT_EQ(Lines(), m_recorder.problems());
     }
 }

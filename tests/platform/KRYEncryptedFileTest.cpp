@@ -7,7 +7,7 @@
 #include <sys/resource.h>
 
 #include "platform/KRYStarted.h"
-#include "support/ReadAll.h"
+#include "support/TemporaryFolder.h"
 
 namespace
 {

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "platform/KRYStarted.h"
-#include "support/ReadAll.h"
+#include "support/TemporaryFolder.h"
 
 namespace
 {

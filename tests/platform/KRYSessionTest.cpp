@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/KRYStarted.h"
-#include "support/ReadAll.h"
+#include "support/TemporaryFolder.h"
 #include "support/Threads.h"
 
 namespace

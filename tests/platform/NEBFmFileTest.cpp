@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
 
 namespace

@@ -54,14 +54,13 @@ struct ARXOJDSecureFileOutputStreamTest : RecordedTest
 
 TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
 {
-    std::string const
-        name = "a&<b>\xE9",
-        cipher = "<setInfoDocument><action>CipherStream</action><fileOutput>",
-        end = "</fileOutput></setInfoDocument>",
-        session =
-            "PersistentInitialize <sessionConfigDocument>"
-            "<serviceID>ARXIUM</serviceID></sessionConfigDocument>, SetInfo ",
-        close = " <setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>, ProtectData ";
+    std::string const name = "a&<b>\xE9",
+                      cipher = "<setInfoDocument><action>CipherStream</action><fileOutput>",
+                      end = "</fileOutput></setInfoDocument>",
+                      open =
+                          "KRY_PersistentInitialize <sessionConfigDocument><serviceID>ARXIUM</serviceID>"
+                          "</sessionConfigDocument>",
+                      finish = " <setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>";
     m_recorder.m_settings["fileEncryption"] = "on";
     {
         Stream stream;
@@ -69,14 +68,26 @@ TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
         play(stream, "c");
         stream.open(name.c_str());
         play(stream, "wz"), stream.write(nullptr, 5), play(stream, "cc");
-        EXPECT_EQ("configuration fileEncryption, " + session + "S1 " + cipher + name + end +
-                      ", ProtectData S1 a, SetInfo S1" + close + "S1 , CloseHandle S1",
-                  m_recorder.takeStory());
+        Lines const expected = {
+            "configuration fileEncryption",
+            open,
+            "KRY_SetInfo S1 " + cipher + name + end,
+            "KRY_ProtectData S1 a",
+            "KRY_SetInfo S1" + finish,
+            "KRY_ProtectData S1 ",
+            "KRY_CloseHandle S1",
+        };
+        EXPECT_EQ(expected, m_recorder.takeCalls());
         stream.open(stream.getCipherDocInfo());
     }
-    EXPECT_EQ(
-        session + "S2 " + cipher + cipher + name + end + end + ", SetInfo S2" + close + "S2 , CloseHandle S2",
-        m_recorder.takeStory());
+    Lines const expected = {
+        open,
+        "KRY_SetInfo S2 " + cipher + cipher + name + end + end,
+        "KRY_SetInfo S2" + finish,
+        "KRY_ProtectData S2 ",
+        "KRY_CloseHandle S2",
+    };
+    EXPECT_EQ(expected, m_recorder.takeCalls());
 }
 
 TEST_F(ARXOJDSecureFileOutputStreamTest, APlainFileIsTheSettingsOtherValue)
@@ -89,7 +100,7 @@ TEST_F(ARXOJDSecureFileOutputStreamTest, APlainFileIsTheSettingsOtherValue)
         stream.open((folder / "file").c_str());
         stream.write(setting.data(), setting.size()), stream.flush();
         EXPECT_EQ(setting, readAll(folder / "file"));
-        EXPECT_EQ("configuration fileEncryption", m_recorder.takeStory());
+        EXPECT_EQ(Lines{"configuration fileEncryption"}, m_recorder.takeCalls());
     }
 }
 

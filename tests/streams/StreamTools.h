@@ -11,7 +11,6 @@
 
 #include "OJDStreamsDLL/OJDFileOutputStream.h"
 #include "support/Raised.h"
-#include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
 
 // A target that notes what it is told, and refuses as often as it is asked to.

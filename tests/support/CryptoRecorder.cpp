@@ -14,7 +14,7 @@ std::mutex s_lock;  // for what several threads may change
 CryptoRecorder& s_recorder = CryptoRecorder::get();
 CryptoRecorder::Session s_noSession{"null"};
 
-char* handOut(std::string const& bytes, char const* kind)
+char* allocated(std::string const& bytes, char const* kind)
 {
     std::lock_guard const guard(s_lock);
     char* const memory = new char[bytes.size()];
@@ -23,7 +23,7 @@ char* handOut(std::string const& bytes, char const* kind)
     return memory;
 }
 
-// Records a call and does what is planned for it. A call after which nothing is opened gives 1.
+// Records a call and carries out the fault that is planned for it. Returns 1 for Fault::NullSession.
 std::int32_t answer(std::string const& function, std::string const& arguments, char** details = nullptr)
 {
     std::unique_lock guard(s_lock);
@@ -31,9 +31,9 @@ std::int32_t answer(std::string const& function, std::string const& arguments, c
     auto& [callsLeft, planned] = s_recorder.m_faults[function];
     Fault const fault = --callsLeft == 0 ? std::exchange(planned, Fault::None) : Fault::None;
     guard.unlock();
-    std::this_thread::yield();  // lets in whoever may come
+    std::this_thread::yield();  // an invitation to other threads
     if (details && (fault == Fault::Details || fault == Fault::Exception))
-        *details = handOut({"reason", 7}, "details");
+        *details = allocated({"reason", 7}, "details");
     if (fault == Fault::Exception)
         throw std::runtime_error("raised");
     return fault == Fault::None ? 0 : fault == Fault::NullSession ? 1 : -1;
@@ -44,28 +44,19 @@ CryptoRecorder::Session& sessionOf(void* token)
     return token ? *static_cast<CryptoRecorder::Session*>(token) : s_noSession;
 }
 
-// The same for a call on a session, null included, on which no other may run meanwhile.
+// The same for a call on a session, null included. Two calls on one session at a time are a failure.
 std::int32_t answerOn(void* token, std::string const& function, std::string const& arguments,
                       char** details = nullptr)
 {
     CryptoRecorder::Session& session = sessionOf(token);
     std::unique_lock const use(session.m_use, std::try_to_lock);
     EXPECT_TRUE(use.owns_lock()) << "two calls at once: " << session.m_name;
-    EXPECT_FALSE(session.m_closed) << "used behind its end: " << session.m_name;
+    EXPECT_FALSE(session.m_closed) << "used after its end: " << session.m_name;
     if (s_recorder.m_duringProtect && function == "KRY_ProtectData")
         s_recorder.m_duringProtect();
     return answer(function, session.m_name + arguments, details);
 }
 }  // namespace
-
-std::string CryptoRecorder::takeStory()
-{
-    std::string story = joined(takeCalls(), ", ");
-    for (std::string const prefix : {"KRY_Crypto", "KRY_"})
-        for (std::size_t at; (at = story.find(prefix)) != std::string::npos;)
-            story.erase(at, prefix.size());
-    return story;
-}
 
 Lines CryptoRecorder::problems() const
 {
@@ -117,12 +108,12 @@ std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third)
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
                              std::uint32_t* outSize, void*)
 {
-    // A large piece is not looked at: it may be a mapping without pages behind it.
+    // A large piece is not read: it may be a mapping without pages.
     std::string const bytes = size > 0xFFFFFF ? std::to_string(size) + " bytes" : std::string(data, size);
     std::int32_t const status = answerOn(session, "KRY_ProtectData", " " + bytes);
-    // Something comes back on failure too, so that nobody gets away with looking at the status first.
+    // A failed call returns memory too, so that a caller who checks only the status loses it.
     if (sessionOf(session).m_infoDoc.find("file") == std::string::npos)
-        *outData = handOut("<" + bytes + ">", "data"), *outSize = size + 2;
+        *outData = allocated("<" + bytes + ">", "data"), *outSize = size + 2;
     return status;
 }
 
@@ -131,7 +122,7 @@ std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t si
 {
     std::string const words = " " + std::string(data, size) + " wanted " + std::to_string(*outSize);
     std::int32_t const status = answerOn(session, "KRY_UnprotectData", words);
-    *outData = handOut("plain", "data"), *outSize = 5;
+    *outData = allocated("plain", "data"), *outSize = 5;
     return status;
 }
 
@@ -148,7 +139,7 @@ std::int32_t KRY_CryptoFree(void* memory, void*)
     std::unique_lock guard(s_lock);
     auto const known = s_recorder.m_memory.extract(memory);
     guard.unlock();
-    EXPECT_TRUE(known || !memory) << "freed, but not handed out";
+    EXPECT_TRUE(known || !memory) << "freed, but not allocated here";
     return answer("KRY_CryptoFree", known ? known.mapped().first : "null");
 }
 
@@ -156,7 +147,7 @@ std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
 {
     std::int32_t const status = answerOn(session, "KRY_CryptoGetLastErrorDetails", "", details);
     if (status == 0)
-        *details = handOut({"reason", 7}, "details");
+        *details = allocated({"reason", 7}, "details");
     return status;
 }
 

@@ -1,7 +1,15 @@
-// Test doubles of the crypto interface, the text services and the configuration.
+// Test doubles of the crypto interface, the text services and the configuration, which write down each call.
 //
-// A program that links them calls them in place of the shared libraries' functions. They record what they are
-// asked in order, can fail on the n-th call of a function, and know what has not come back.
+// A program that links them calls them instead of the shared libraries' functions. A test derives from
+// RecordedTest, lets a call fail if that is its subject, acts, and compares the calls with a list:
+//
+//     m_recorder.failCall("KRY_SetInfo", 1, Fault::Status);
+//     EXPECT_THROW(openSession(), ARXException);
+//     EXPECT_EQ((Lines{"KRY_PersistentInitialize cnfg", "KRY_SetInfo S1 info"}), m_recorder.takeCalls());
+//
+// A call is the function's name and its arguments. Sessions are S1, S2 ... in the order in which they open;
+// KRY_CryptoFree names the kind of what it frees, "data" or "details". At the end RecordedTest fails for
+// memory that was not freed and sessions that were not closed.
 
 #ifndef ARXIUM_TESTS_SUPPORT_CRYPTORECORDER_H
 #define ARXIUM_TESTS_SUPPORT_CRYPTORECORDER_H
@@ -30,16 +38,13 @@ struct CryptoRecorder
     static CryptoRecorder& get() { return s_instance; }
     void reset() { *this = {}; }
 
-    // Lets one call of a function, counted from 1 and from now on, fail; of each function at most one.
-    void failCall(std::string const& function, int call, Fault fault) { m_faults[function] = {call, fault}; }
+    // Lets the n-th call of a function from now on fail, counted from 1. Each function has at most one fault.
+    void failCall(std::string const& function, int n, Fault fault) { m_faults[function] = {n, fault}; }
     // Whether that call was made.
     bool hasFailed(std::string const& function) { return m_faults[function].second == Fault::None; }
-    // The calls since this was last asked: the function's name, then "S1" for the session, document or data.
-    // Sessions and what is freed are named in the order in which, and as what, they were handed out.
+    // The calls since the last takeCalls().
     Lines takeCalls() { return std::exchange(m_calls, {}); }
-    // The same in one line: "SetInfo S1 info, Free details", without "KRY_" and "Crypto".
-    std::string takeStory();
-    // What was not given back. Calls that overlap or come behind the end of their session fail at once.
+    // What was not freed or closed. Calls that overlap or use a closed session fail the test at once.
     Lines problems() const;
 
     struct Session
@@ -48,20 +53,20 @@ struct CryptoRecorder
         std::string m_name;
         std::string m_infoDoc;
         std::mutex m_use{};         // held during each call
-        bool m_closeAsked = false;  // enough for us: one that won't close is the interface's
+        bool m_closeAsked = false;  // a session that can't be closed stays the interface's
         bool m_closed = false;
     };
     static CryptoRecorder s_instance;
 
     std::map<std::string, std::string> m_settings;  // of the configuration
-    std::function<void()> m_duringProtect;          // run inside each KRY_ProtectData, which returns "<DATA>"
+    std::function<void()> m_duringProtect;          // runs inside KRY_ProtectData, which returns "<DATA>"
     Lines m_calls;
-    std::map<std::string, std::pair<int, Fault>> m_faults;  // by function: calls up to the failing one
+    std::map<std::string, std::pair<int, Fault>> m_faults;  // by function: calls until the failing one
     std::deque<Session> m_sessions;
-    std::map<void*, std::pair<std::string, std::unique_ptr<char[]>>> m_memory;  // handed out, as what
+    std::map<void*, std::pair<std::string, std::unique_ptr<char[]>>> m_memory;  // not freed yet
 };
 
-// Starts with fresh doubles and ends by looking for what was not given back.
+// Begins with fresh doubles and ends with the check of what was not freed or closed.
 struct RecordedTest : testing::Test
 {
     RecordedTest() { m_recorder.reset(); }

@@ -1,4 +1,4 @@
-// Tells what a call raised.
+// What a call raised, as lines of text that a test compares.
 
 #ifndef ARXIUM_TESTS_SUPPORT_RAISED_H
 #define ARXIUM_TESTS_SUPPORT_RAISED_H
@@ -10,8 +10,8 @@
 
 using Lines = std::vector<std::string>;
 
-// "NAME: MESSAGE", or "NAME: no messages" of an empty set, then each entry of the back trace: "FILE MACRO"
-// and its text if it has one.
+// "NAME: MESSAGE", or "NAME: no messages" for an empty set; then a line for each entry of the back trace,
+// "FILE MACRO" or "FILE MACRO TEXT".
 inline Lines describe(NEBThrowable const& error)
 {
     auto const* const set = dynamic_cast<NEBMessageSet const*>(&error);
@@ -23,6 +23,14 @@ inline Lines describe(NEBThrowable const& error)
     return lines;
 }
 
+inline Lines concatenated(std::initializer_list<Lines> parts)
+{
+    Lines all;
+    for (Lines const& part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
 inline std::string joined(Lines const& lines, char const* separator = " | ")
 {
     std::string text;
@@ -31,6 +39,7 @@ inline std::string joined(Lines const& lines, char const* separator = " | ")
     return text;
 }
 
+// The description of what call raised; no lines if it raised nothing.
 template <class Call>
 Lines raisedBy(Call const& call)
 {

@@ -1,10 +1,12 @@
-// A fresh folder for one test, removed with all that it holds, and a look at the files in it.
+// A new folder for one test, removed with all its contents, and what tests do with the files in it.
 
 #ifndef ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
 #define ARXIUM_TESTS_SUPPORT_TEMPORARYFOLDER_H
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -29,10 +31,10 @@ public:
     std::string operator/(std::string const& name) const { return m_path + "/" + name; }
 
 private:
-    std::string m_path;  // absolute, without links and closing separator
+    std::string m_path;  // absolute, without symbolic links and final separator
 };
 
-// Makes a folder current for its own lifetime.
+// The current folder for the lifetime of the object.
 struct CurrentFolder
 {
     explicit CurrentFolder(std::string const& path) { std::filesystem::current_path(path); }
@@ -41,5 +43,13 @@ struct CurrentFolder
 
     std::filesystem::path const m_before = std::filesystem::current_path();
 };
+
+// The bytes of a file; none if there is no such file.
+inline std::string readAll(std::string const& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    bool const isFile = std::filesystem::is_regular_file(path);
+    return isFile ? std::string(std::istreambuf_iterator<char>(file), {}) : "";
+}
 
 #endif

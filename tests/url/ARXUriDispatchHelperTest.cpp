@@ -58,28 +58,29 @@ TEST_F(ARXUriDispatchHelperTest, NamesAndSignsTheLastComponentBehindTheBasePathA
 TEST_F(ARXUriDispatchHelperTest, CallsTheInterfaceInOrderAndAFailureLeavesTheUrl)
 {
     std::string const source = "url/ARXUriDispatchHelper.cpp NEB_THROW",
-                      name = "ProtectData S1 file, Free data",
-                      both = name + ", ProtectData S1 fileid, Free data",
-                      all =
-                          "PersistentInitialize <sessionConfigDocument><serviceID>TALM</serviceID>"
-                          "</sessionConfigDocument>, SetInfo S1 <setInfoDocument><action>CSKHMAC</action>"
-                          "<dataLocation>memory</dataLocation></setInfoDocument>, " +
-                          both + ", configuration dispatcherID";
+                      open =
+                          "KRY_PersistentInitialize <sessionConfigDocument><serviceID>TALM</serviceID>"
+                          "</sessionConfigDocument>",
+                      setUp =
+                          "KRY_SetInfo S1 <setInfoDocument><action>CSKHMAC</action>"
+                          "<dataLocation>memory</dataLocation></setInfoDocument>",
+                      signName = "KRY_ProtectData S1 file", signBoth = "KRY_ProtectData S1 fileid",
+                      free = "KRY_CryptoFree data", readId = "configuration dispatcherID";
     struct NoHandles final : ARXKRYHandleFactoryWorkerI
     {
         ARXSimpleKRYHandleI* createHandle(char const*, char const*) override { return nullptr; }
         ARXKRYHandleI* createHandle() override { return nullptr; }
         void destroyHandle(ARXSimpleKRYHandleI*) override {}
     } noHandles;
-    std::tuple<char const*, char const*, int, std::string, std::string> const rows[] = {
-        {"/srv/file", "id", 0, "", all},
-        {"/srv/", "id", 0, "size && data", ""},
-        {"file", nullptr, 0, "base64SessionID", name},
-        {"file", "id", 1, "KRY_SUCCEEDED(status)", name},
-        {"file", "id", 2, "KRY_SUCCEEDED(status)", both},
-        {"file", "id", 3, "handle.get()", ""}};
+    std::tuple<char const*, char const*, int, std::string, Lines> const rows[] = {
+        {"/srv/file", "id", 0, "", {open, setUp, signName, free, signBoth, free, readId}},
+        {"/srv/", "id", 0, "size && data", {}},
+        {"file", nullptr, 0, "base64SessionID", {signName, free}},
+        {"file", "id", 1, "KRY_SUCCEEDED(status)", {signName, free}},
+        {"file", "id", 2, "KRY_SUCCEEDED(status)", {signName, free, signBoth, free}},
+        {"file", "id", 3, "handle.get()", {}}};
     auto* const generate = ARXUriDispatchHelper::generateByteServingUrlFromBasePath;
-    for (auto const& [path, sessionId, call, condition, story] : rows)
+    for (auto const& [path, sessionId, call, condition, calls] : rows)
     {
         m_recorder.failCall("KRY_ProtectData", call, Fault::Status);
         if (call == 3)
@@ -88,6 +89,6 @@ TEST_F(ARXUriDispatchHelperTest, CallsTheInterfaceInOrderAndAFailureLeavesTheUrl
         Lines const raised = raisedBy([&, &path = path, &id = sessionId] { generate(path, id, url); });
         EXPECT_EQ(condition.empty() ? "" : failure, joined(raised));
         EXPECT_EQ(condition.empty() ? "base" + query("file", "id") : "base", url);
-        EXPECT_EQ(story, m_recorder.takeStory());
+        EXPECT_EQ(calls, m_recorder.takeCalls());
     }
 }

@@ -13,7 +13,6 @@
 
 #include "NEBCore/I18NString.h"
 #include "support/Raised.h"
-#include "support/ReadAll.h"
 #include "support/TemporaryFolder.h"
 #include "zip/ARXUnzipFile.h"
 #include "zip/ARXZipFile.h"
