@@ -6,7 +6,8 @@ function(arxium_configure target)
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
-        POSITION_INDEPENDENT_CODE ON)
+        POSITION_INDEPENDENT_CODE ON
+        BUILD_RPATH_USE_ORIGIN ON)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
         $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
@@ -29,15 +30,24 @@ function(arxium_configure target)
     endif()
 endfunction()
 
-# What our shared libraries have in common beyond that. Wherever they are installed, they find each other, and
-# the project's own libraries where those were at build time.
+# Where an installed target looks for our libraries at run time: at DIRECTORY, relative to the target, in the build tree
+# and wherever the tree is installed. Installing must not edit the run path: CMake would fill the room for the edit with
+# empty elements, which the loader takes for the current directory.
+function(arxium_set_run_path target directory)
+    set_target_properties(${target} PROPERTIES
+        BUILD_WITH_INSTALL_RPATH "${ARXIUM_INSTALL}"
+        INSTALL_RPATH "${directory}"
+        INSTALL_RPATH_USE_LINK_PATH ON)
+endfunction()
+
+# What our shared libraries have in common beyond arxium_configure. They find each other in one directory, and the
+# project's own libraries where those were at build time.
 function(arxium_configure_shared target)
+    arxium_set_run_path(${target} "$ORIGIN")
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
-        BUILD_RPATH_USE_ORIGIN ON
-        INSTALL_RPATH "$ORIGIN"
-        INSTALL_RPATH_USE_LINK_PATH ON
+        LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib"
         VERIFY_INTERFACE_HEADER_SETS ON)
     # Sanitizers leave symbols to their runtime; every other build refuses missing ones.
     if(NOT ARXIUM_SANITIZE)
