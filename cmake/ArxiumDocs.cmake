@@ -13,7 +13,7 @@ endforeach()
 
 set(DOXYGEN_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/docs")
 set(DOXYGEN_GENERATE_LATEX NO)
-set(DOXYGEN_INPUT_FILTER "awk -f ${PROJECT_SOURCE_DIR}/docs/doxygen-filter.awk")
+set(DOXYGEN_INPUT_FILTER "awk -f '${PROJECT_SOURCE_DIR}/docs/doxygen-filter.awk'")
 set(DOXYGEN_STRIP_FROM_PATH "${PROJECT_SOURCE_DIR}/platform" "${PROJECT_SOURCE_DIR}")
 set(DOXYGEN_WARN_AS_ERROR FAIL_ON_WARNINGS)
 # A declaration that says everything itself carries no comment, by intention.

@@ -114,7 +114,9 @@ TEST_F(ARXZipFileTest, TheArchiveItselfIsSkippedByItsPathAndEndsByAnother)
 
 TEST_F(ARXZipFileTest, DatesAreLocalTimeAndComeBackAloneOrNotAtAll)
 {
-    setenv("TMPDIR", "/dev/shm", 0);  // other file systems hold fewer years
+    if (access("/dev/shm", W_OK) != 0)
+        GTEST_SKIP() << "there is no /dev/shm, and other file systems hold fewer years";
+    setenv("TMPDIR", "/dev/shm", 0);
     TemporaryFolder const folder;
     unsetenv("TMPDIR");
     CurrentFolder const current(folder.path());
