@@ -2,7 +2,7 @@
 
 #include "ARXResource/ARXI18NRes.h"
 
-ARXMessage::ARXMessage(std::uint32_t id) : NEBMessage(ARXI18NRes::getString(0), id) {}
+ARXMessage::ARXMessage(std::uint32_t id) : NEBMessage(ARXI18NRes::getString(ARXI18NRes::s_messageFile), id) {}
 
 ARXMessage::ARXMessage(char const* messageFile)
     : NEBMessage(I18NString(messageFile, nullptr, -1, nullptr, nullptr))

@@ -14,7 +14,6 @@
 namespace
 {
 std::size_t constexpr s_pieceSize = 65536;
-int constexpr s_readExisting = 3;
 
 struct GiveBack
 {
@@ -53,7 +52,7 @@ bool readPiece(ARXKRYHandleI& handle, OJDOutputStream& sink, std::string const& 
 void sealFile(std::string const& source, std::string const& target)
 {
     NEBFmFile input;
-    if (!input.open(source, s_readExisting, 0))
+    if (!input.open(source, NEBFmFile::s_readExisting, 0))
         systemFailed(NEB_HERE, source);
 
     // Destroying the stream finishes its file, so one that is given up must not bear the target's name.

@@ -11,7 +11,6 @@
 
 namespace
 {
-int constexpr s_regularFile = 0x8000;
 char const* const s_introductions[] = {"?b_action=dc&f=", "&k=", "&s=", "&did="};
 
 // The values behind the four introductions. Empty if they do not all stand in the URL, in their order.
@@ -44,7 +43,7 @@ bool isEqual(std::string const& given, std::string const& expected)
 
 std::string signFile(std::string const& file, std::string const& session, bool dispatcher)
 {
-    if (!NEBFmDir::exists(file.c_str(), s_regularFile))
+    if (!NEBFmDir::exists(file.c_str(), NEBFmDir::s_regularFile))
         failed(NEB_HERE, file + ": no such file");
 
     std::string url;

@@ -17,7 +17,6 @@
 
 namespace
 {
-int constexpr s_gatewaySetting = 6;
 char constexpr s_session[] = "tour-session";
 
 // Prints a line a step, with the time since the step before it.
@@ -133,7 +132,7 @@ void tourSealing(Steps& steps, std::string const& file)
 int tour(std::string const& file)
 {
     NEBConfigurationStore& settings = NEBConfigurationStore::getStore();
-    I18NString const& gateway = ARXI18NRes::getString(s_gatewaySetting);
+    I18NString const& gateway = ARXI18NRes::getString(ARXI18NRes::s_gatewaySetting);
     if (settings.getConfigurationValue(gateway, nullptr).empty())
         settings.setValue(gateway, "https://files.example/gateway");
 

@@ -11,7 +11,6 @@
 
 namespace
 {
-int constexpr s_regularFile = 0x8000;
 int constexpr s_currentDirectorySize = 261;  // the terminator included
 std::size_t constexpr s_drivePrefixSize = 2;
 
@@ -28,7 +27,7 @@ ARXFmDir::~ARXFmDir() = default;
 
 bool ARXFmDir::isFile(char const* path) const
 {
-    return NEBFmDir::exists(path, s_regularFile) != 0;
+    return NEBFmDir::exists(path, NEBFmDir::s_regularFile) != 0;
 }
 
 bool ARXFmDir::hasDriveLetter(char const* path)

@@ -13,8 +13,6 @@
 
 namespace
 {
-int constexpr s_fileEncryptionSetting = 1;          // resources: the name of the setting
-int constexpr s_fileEncryptionOn = 2;               // and its value that turns encryption on
 std::size_t constexpr s_largestChunk = UINT32_MAX;  // the crypto interface takes sizes of 32 bits
 }  // namespace
 
@@ -162,6 +160,7 @@ void ARXOJDSecureFileOutputStream::writeEncrypted(char const* data, std::size_t 
 bool ARXOJDSecureFileOutputStream::isConfigurationEncryptionSet()
 {
     INEBConfiguration& configuration = NEBConfigurationFactory::getInstance();
-    return configuration.getConfigurationValue(ARXI18NRes::getString(s_fileEncryptionSetting), nullptr) ==
-           ARXI18NRes::getString(s_fileEncryptionOn);
+    return configuration.getConfigurationValue(ARXI18NRes::getString(ARXI18NRes::s_fileEncryptionSetting),
+                                               nullptr) ==
+           ARXI18NRes::getString(ARXI18NRes::s_fileEncryptionOn);
 }

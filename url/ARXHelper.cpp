@@ -14,9 +14,6 @@
 
 namespace
 {
-int constexpr s_gatewayResource = 6;
-int constexpr s_dispatcherResource = 7;
-
 std::size_t constexpr s_pieceUnits = 256;  // encoded in one go
 
 // What a byte becomes. Four bytes in one piece, so that one store writes it.
@@ -165,7 +162,7 @@ void ARXHelper::removeLastComponentFromUrl(I18NString& url)
 
 void ARXHelper::getGatewayBasePath(I18NString& path, bool removeLastComponent)
 {
-    readSetting(s_gatewayResource, path);
+    readSetting(ARXI18NRes::s_gatewaySetting, path);
     if (removeLastComponent)
         removeLastComponentFromUrl(path);
 }
@@ -177,7 +174,7 @@ void ARXHelper::getBasePath(I18NString& path, bool removeLastComponent)
 
 void ARXHelper::getExternalDispatcherBasePath(I18NString& path)
 {
-    readSetting(s_dispatcherResource, path);
+    readSetting(ARXI18NRes::s_dispatcherSetting, path);
 }
 
 void ARXHelper::fixCommandPath(I18NString& path)

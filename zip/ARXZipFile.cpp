@@ -12,24 +12,13 @@
 #include "NEBCore/NEBFmDir.h"
 #include "NEBCore/NEBFmFile.h"
 #include "frame/ARXAssert.h"
+#include "os/OsFileName.h"
 #include "path/ARXFmDir.h"
 
 namespace
 {
-int constexpr s_regularFile = 0x8000;
-int constexpr s_readExisting = 3;
 int constexpr s_defaultLevel = 6;
 std::size_t constexpr s_copyBufferSize = 4096;
-
-// The literal name first, then with "/" for every "\", as the file services do it.
-bool readStatus(char const* fileName, struct stat& status)
-{
-    if (::stat(fileName, &status) == 0)
-        return true;
-    std::string portable = fileName;
-    ARXFmDir::normalizePathSeparator(portable);
-    return ::stat(portable.c_str(), &status) == 0;
-}
 
 std::tm toLocalTime(std::time_t time)
 {
@@ -109,21 +98,22 @@ void ARXZipFile::create(I18NString const& fileName)
 void ARXZipFile::addFile(char const* fileName, char const* baseDir)
 {
     NEB_ASSERT(fileName);
-    bool const exists = NEBFmDir::exists(fileName, s_regularFile) != 0;  // named for the assertion's text
+    bool const exists =
+        NEBFmDir::exists(fileName, NEBFmDir::s_regularFile) != 0;  // named for the assertion's text
     NEB_ASSERT(exists);
     // Before the first create the name is empty and part of every path, so that nothing is added.
     if (std::strstr(fileName, m_zipFileName.c_str()))
         return;
 
     NEBFmFile source;
-    source.open(fileName, s_readExisting, 0);  // read fails on a file that is not open
+    source.open(fileName, NEBFmFile::s_readExisting, 0);  // read fails on a file that is not open
 
     std::string name;
     ARXFmDir::getPathTail(name, baseDir, fileName);
     ARXFmDir::normalizePathSeparator(name);
 
     struct stat status;
-    if (!readStatus(fileName, status))
+    if (::stat(OsFileName::forReading(fileName).c_str(), &status) != 0)
         raiseWithText(NEB_HERE, {"Unable to read status of file: ", fileName}, "ARXZipFile::addFile");
     zip_fileinfo info = makeFileInfo(toLocalTime(status.st_mtime));
 

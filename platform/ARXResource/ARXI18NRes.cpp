@@ -6,7 +6,7 @@
 
 namespace
 {
-char constexpr s_messageFile[] = "ArxiumMessages";
+char constexpr s_messageFileName[] = "ArxiumMessages";
 
 char const* findMessage(std::uint32_t id)
 {
@@ -26,17 +26,17 @@ char const* findMessage(std::uint32_t id)
 // At load, since a host may name the message file without having asked for any string.
 [[gnu::constructor]] void installCatalogue()
 {
-    static NEBMessageCatalogue::Entry s_entry{s_messageFile, findMessage};
+    static NEBMessageCatalogue::Entry s_entry{s_messageFileName, findMessage};
     NEBMessageCatalogue::install(s_entry);
 }
 
 std::map<int, I18NString> const& makeStrings()
 {
-    return *new std::map<int, I18NString>{{0, s_messageFile},
-                                          {1, "fileEncryption"},
-                                          {2, "on"},
-                                          {6, "gatewayUrl"},
-                                          {7, "externalDispatcherUrl"}};
+    return *new std::map<int, I18NString>{{ARXI18NRes::s_messageFile, s_messageFileName},
+                                          {ARXI18NRes::s_fileEncryptionSetting, "fileEncryption"},
+                                          {ARXI18NRes::s_fileEncryptionOn, "on"},
+                                          {ARXI18NRes::s_gatewaySetting, "gatewayUrl"},
+                                          {ARXI18NRes::s_dispatcherSetting, "externalDispatcherUrl"}};
 }
 }  // namespace
 

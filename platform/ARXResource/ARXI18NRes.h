@@ -8,10 +8,13 @@
 class __attribute__((visibility("default"))) ARXI18NRes
 {
 public:
-    // 0 the library's message file, "ArxiumMessages"; 1 the name of the file encryption setting,
-    // "fileEncryption"; 2 the value that means on, "on"; 6 the name of the gateway URL setting, "gatewayUrl";
-    // 7 that of the external dispatcher URL setting, "externalDispatcherUrl". Any other number gives the
-    // empty text.
+    static int constexpr s_messageFile = 0;            // "ArxiumMessages", the library's message file
+    static int constexpr s_fileEncryptionSetting = 1;  // "fileEncryption", the name of a setting
+    static int constexpr s_fileEncryptionOn = 2;       // "on", its value that turns encryption on
+    static int constexpr s_gatewaySetting = 6;         // "gatewayUrl", the name of a setting
+    static int constexpr s_dispatcherSetting = 7;      // "externalDispatcherUrl", the name of a setting
+
+    // Returns the text of that number, empty for any other number. It lives as long as the process.
     static I18NString const& getString(int id);
 };
 

@@ -11,7 +11,7 @@
 #include <sys/stat.h>
 
 #include "NEBCore/I18NString.h"
-#include "NEBCore/NEBFmName.h"
+#include "os/OsFileName.h"
 
 namespace
 {
@@ -98,7 +98,7 @@ void giveSorted(std::vector<std::string>& names, std::vector<std::string>* targe
 
 int NEBFmDir::exists(char const* path, int mode)
 {
-    return path && hasType(NEBFmName::forReading(path), static_cast<unsigned>(mode));
+    return path && hasType(OsFileName::forReading(path), static_cast<unsigned>(mode));
 }
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
@@ -129,7 +129,7 @@ void NEBFmDir::joinPath(I18NString& base, I18NString const& name)
 
 int NEBFmDir::createRecursiveDir(std::string const& path)
 {
-    std::string const name = NEBFmName::forWriting(path);
+    std::string const name = OsFileName::forWriting(path);
     return name.empty() || hasType(name, S_IFDIR) || makeDir(name);
 }
 
@@ -138,7 +138,7 @@ int NEBFmDir::readDir(char const* dirName, std::vector<std::string>* files, void
 {
     std::vector<std::string> fileNames;
     std::vector<std::string> dirNames;
-    DirPtr const directory(dirName ? opendir(NEBFmName::forReading(dirName).c_str()) : nullptr);
+    DirPtr const directory(dirName ? opendir(OsFileName::forReading(dirName).c_str()) : nullptr);
     bool const isRead = directory && listEntries(directory.get(), fileNames, dirNames);
     if (!isRead)
     {
@@ -156,7 +156,7 @@ void NEBFmDir::resolveEffectivePath(std::string& path)
         return;
 
     std::error_code error;
-    std::string const name = NEBFmName::forReading(path);
+    std::string const name = OsFileName::forReading(path);
     // A relative path whose first part is missing would stay relative.
     std::filesystem::path const absolute = std::filesystem::absolute(name, error);
     if (error)

@@ -17,8 +17,12 @@ class I18NString;
 class NEBCORE_API NEBFmDir
 {
 public:
-    // Whether path names something of that type: 0x8000 a regular file, 0x4000 a directory, links followed. A
-    // path that is null, missing, unreachable or of another type gives 0.
+    // Types for exists.
+    static int constexpr s_regularFile = 0x8000;
+    static int constexpr s_directory = 0x4000;
+
+    // Returns whether path names something of that type; links are followed. A path that is null, missing or
+    // unreachable gives 0.
     static int exists(char const* path, int mode);
 
     // Splits behind the last separator. The file part of "a/" is empty, the directory part of "x" too,

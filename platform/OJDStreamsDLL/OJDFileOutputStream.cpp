@@ -1,8 +1,5 @@
 #include "OJDStreamsDLL/OJDFileOutputStream.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
@@ -17,25 +14,15 @@ std::size_t constexpr s_bufferSize = 16384;
 {
     NEBException((name + ": " + reason).c_str()).hurl(where, operation, "NEB_THROW");
 }
-
-int openForWriting(char const* name)
-{
-    int descriptor;
-    do
-        descriptor = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
 }  // namespace
 
 OJDFileOutputStream::OJDFileOutputStream(char const* filename, int)
-    : m_name(filename ? filename : ""), m_descriptor(-1), m_buffer(s_bufferSize, s_bufferSize)
+    : m_name(filename ? filename : ""), m_buffer(s_bufferSize, s_bufferSize)
 {
     if (!filename)
         return;
     m_buffer.reserve(s_bufferSize);  // so that no write lacks memory later
-    m_descriptor = openForWriting(filename);
-    if (m_descriptor < 0)
+    if (!m_file.open(filename, OsFile::s_write | OsFile::s_create | OsFile::s_truncate))
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::open");
 }
 
@@ -53,22 +40,22 @@ OJDFileOutputStream::~OJDFileOutputStream()
 
 void OJDFileOutputStream::write(char const* data, std::size_t size)
 {
-    if (m_descriptor < 0)
+    if (!m_file.isOpen())
         refuse(NEB_HERE, m_name, "no file is open", "OJDFileOutputStream::write");
-    // What fits is held back; a large piece goes to the system in one call, without a copy.
+    // A large piece goes to the system without a copy.
     if (size > s_bufferSize - m_buffer.pcount())
         OJDFileOutputStream::flush();
 
     if (size < s_bufferSize)
         m_buffer.appendChars(data, size);
-    else if (send(data, size) != size)
+    else if (m_file.write(data, size) != size)
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::write");
 }
 
 void OJDFileOutputStream::flush()
 {
     std::size_t const size = m_buffer.pcount();
-    std::size_t const sent = send(m_buffer.str(), size);
+    std::size_t const sent = m_file.write(m_buffer.str(), size);
     if (sent != size)
         std::memmove(m_buffer.str(), m_buffer.str() + sent, size - sent);
     m_buffer.setLength(size - sent);
@@ -78,33 +65,12 @@ void OJDFileOutputStream::flush()
 
 void OJDFileOutputStream::close()
 {
-    if (m_descriptor < 0)
+    if (!m_file.isOpen())
         return;
     std::size_t const size = m_buffer.pcount();
-    int const flushError = send(m_buffer.str(), size) == size ? 0 : errno;
-    // An interrupted close has released the descriptor all the same, which must not be closed twice.
-    int const closeError = ::close(m_descriptor) == 0 || errno == EINTR ? 0 : errno;
-    m_descriptor = -1;
+    int const flushError = m_file.write(m_buffer.str(), size) == size ? 0 : errno;
+    int const closeError = m_file.close() ? 0 : errno;
     m_buffer.reset();
     if (int const error = flushError ? flushError : closeError)
         refuse(NEB_HERE, m_name, std::strerror(error), "OJDFileOutputStream::close");
-}
-
-// The number of bytes that the system took: size, or less with the reason in errno.
-std::size_t OJDFileOutputStream::send(char const* data, std::size_t size)
-{
-    std::size_t sent = 0;
-    while (sent < size)
-    {
-        ssize_t const written = ::write(m_descriptor, data + sent, size - sent);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-        {
-            errno = written < 0 ? errno : EIO;  // nothing taken and no reason given
-            return sent;
-        }
-        sent += static_cast<std::size_t>(written);
-    }
-    return sent;
 }

@@ -10,6 +10,7 @@
 
 #include "NEBCore/NEBByteBuffer.h"
 #include "OJDStreamsDLL/OJDOutputStream.h"
+#include "os/OsFile.h"
 
 class __attribute__((visibility("default"))) OJDFileOutputStream : public OJDOutputStream
 {
@@ -32,10 +33,8 @@ public:
     void close() override;
 
 private:
-    std::size_t send(char const* data, std::size_t size);
-
     std::string m_name;
-    int m_descriptor;  // -1 when closed
+    OsFile m_file;
     NEBByteBuffer m_buffer;
 };
 

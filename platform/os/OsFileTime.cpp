@@ -1,13 +1,12 @@
 #include "os/OsFileTime.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <ctime>
-#include <string>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
+
+#include "os/OsFile.h"
+#include "os/OsFileName.h"
 
 namespace
 {
@@ -58,21 +57,16 @@ HANDLE CreateFileA(char const* path, DWORD access, DWORD, void*, DWORD dispositi
         errno = EINVAL;
         return INVALID_HANDLE_VALUE;
     }
-    std::string name = path;
-    std::replace(name.begin(), name.end(), '\\', '/');
-    int const mode = (access & GENERIC_WRITE) == 0  ? O_RDONLY
-                     : (access & GENERIC_READ) == 0 ? O_WRONLY
-                                                    : O_RDWR;
-    int descriptor;
-    do
-        descriptor = ::open(name.c_str(), mode | O_CLOEXEC);
-    while (descriptor < 0 && errno == EINTR);
-    return reinterpret_cast<HANDLE>(std::intptr_t{descriptor});
+    OsFile file;
+    file.open(OsFileName::forWriting(path).c_str(),
+              ((access & GENERIC_READ) != 0 ? OsFile::s_read : 0) |
+                  ((access & GENERIC_WRITE) != 0 ? OsFile::s_write : 0));
+    return reinterpret_cast<HANDLE>(std::intptr_t{file.release()});
 }
 
 BOOL CloseHandle(HANDLE file)
 {
-    return ::close(descriptorOf(file)) == 0;
+    return OsFile(descriptorOf(file)).close();
 }
 
 BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess, FILETIME* lastWrite)

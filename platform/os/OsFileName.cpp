@@ -1,4 +1,4 @@
-#include "NEBCore/NEBFmName.h"
+#include "os/OsFileName.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,13 +15,13 @@ bool isMissing(std::string const& path)
 }
 }  // namespace
 
-std::string NEBFmName::forWriting(std::string path)
+std::string OsFileName::forWriting(std::string path)
 {
     std::replace(path.begin(), path.end(), '\\', '/');
     return path;
 }
 
-std::string NEBFmName::forReading(std::string const& path)
+std::string OsFileName::forReading(std::string const& path)
 {
     bool const isPlain = path.find('\\') == std::string::npos;
     return isPlain || !isMissing(path) ? path : forWriting(path);

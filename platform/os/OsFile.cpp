@@ -1,0 +1,117 @@
+#include "os/OsFile.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "os/OsInterrupted.h"
+
+namespace
+{
+int toSystemFlags(unsigned flags)
+{
+    int constexpr access[] = {O_RDONLY, O_RDONLY, O_WRONLY, O_RDWR};
+    int result = access[flags & 3] | O_CLOEXEC | O_NOCTTY;
+    result |= (flags & OsFile::s_create) != 0 ? O_CREAT : 0;
+    result |= (flags & OsFile::s_truncate) != 0 ? O_TRUNC : 0;
+    result |= (flags & OsFile::s_exclusive) != 0 ? O_EXCL | O_NOFOLLOW : 0;
+    result |= (flags & OsFile::s_directory) != 0 ? O_DIRECTORY : 0;
+    result |= (flags & OsFile::s_noWait) != 0 ? O_NONBLOCK : 0;
+    return result;
+}
+
+int openAt(int directory, char const* path, unsigned flags, unsigned mode)
+{
+    return retryInterrupted([&] { return ::openat(directory, path, toSystemFlags(flags), mode); });
+}
+}  // namespace
+
+OsFile::OsFile(int descriptor) noexcept : m_descriptor(descriptor) {}
+
+OsFile::~OsFile()
+{
+    close();
+}
+
+bool OsFile::open(char const* path, unsigned flags, unsigned mode) noexcept
+{
+    close();
+    m_descriptor = openAt(AT_FDCWD, path, flags, mode);
+    return isOpen();
+}
+
+bool OsFile::open(OsFile const& directory, char const* path, unsigned flags, unsigned mode) noexcept
+{
+    close();
+    m_descriptor = openAt(directory.m_descriptor, path, flags, mode);
+    return isOpen();
+}
+
+int OsFile::release() noexcept
+{
+    int const descriptor = m_descriptor;
+    m_descriptor = -1;
+    return descriptor;
+}
+
+bool OsFile::getStatus(OsFileStatus& status) const noexcept
+{
+    struct stat found;
+    if (::fstat(m_descriptor, &found) != 0)
+        return false;
+    status = {found.st_mode & S_IFMT, found.st_mode & 0777, found.st_uid, found.st_size};
+    return true;
+}
+
+bool OsFile::setPermissions(unsigned permissions) noexcept
+{
+    return retryInterrupted([&] { return ::fchmod(m_descriptor, permissions); }) == 0;
+}
+
+std::int64_t OsFile::read(void* target, std::size_t size) noexcept
+{
+    std::size_t done = 0;
+    while (done < size)
+    {
+        auto const readRest = [&]
+        { return ::read(m_descriptor, static_cast<char*>(target) + done, size - done); };
+        ssize_t const count = retryInterrupted(readRest);
+        if (count < 0)
+            return -1;
+        if (count == 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return static_cast<std::int64_t>(done);
+}
+
+std::size_t OsFile::write(void const* data, std::size_t size) noexcept
+{
+    std::size_t done = 0;
+    while (done < size)
+    {
+        auto const writeRest = [&]
+        { return ::write(m_descriptor, static_cast<char const*>(data) + done, size - done); };
+        ssize_t const count = retryInterrupted(writeRest);
+        if (count == 0)
+            errno = EIO;  // the system took nothing and gave no reason
+        if (count <= 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+bool OsFile::sync() noexcept
+{
+    return retryInterrupted([&] { return ::fsync(m_descriptor); }) == 0;
+}
+
+bool OsFile::close() noexcept
+{
+    // Never repeated: an interrupted close has released the descriptor, which may be another's by now.
+    int const descriptor = release();
+    return descriptor == -1 || ::close(descriptor) == 0 || errno == EINTR;
+}
