@@ -1,7 +1,6 @@
 #include "KRY_Crypto_Interface/KRYDocument.h"
 
-#include <algorithm>
-#include <array>
+#include <charconv>
 #include <string>
 
 #include "KRY_Crypto_Interface/KRYError.h"
@@ -9,151 +8,88 @@
 namespace
 {
 constexpr std::string_view s_declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>";
-constexpr std::size_t s_serviceIDLimit = 255;  // what the derivation of keys takes is limited
-
-enum Element : std::size_t
-{
-    serviceID,
-    action,
-    dataLocation,
-    fileOutput,
-    fileInput,
-    elementCount
-};
-struct ElementTags
-{
-    std::string_view m_name;
-    std::string_view m_end;
-};
-constexpr std::array<ElementTags, elementCount> s_elements{{{"serviceID", "</serviceID>"},
-                                                            {"action", "</action>"},
-                                                            {"dataLocation", "</dataLocation>"},
-                                                            {"fileOutput", "</fileOutput>"},
-                                                            {"fileInput", "</fileInput>"}}};
-using Values = std::array<std::string_view, elementCount>;  // empty where the element is missing
-
-struct SetUpRule
-{
-    std::string_view m_actionText;
-    std::string_view m_dataLocation;
-    KRYAction m_action;
-    Element m_file;  // elementCount: no file
-};
-constexpr std::array<SetUpRule, 4> s_setUps{{{"CSKHMAC", "memory", KRYAction::sign, elementCount},
-                                             {"CipherStream", "", KRYAction::cipher, fileOutput},
-                                             {"DecipherStream", "", KRYAction::decipher, fileInput},
-                                             {"", "file", KRYAction::finish, elementCount}}};
+constexpr std::size_t s_serviceIDLimit = 255;  // the derivation of keys takes no text of any length
 
 [[noreturn]] void refuse(std::string const& reason)
 {
     throw KRYError(KRY_ERROR_DOCUMENT, "document refused: " + reason);
 }
 
-bool skip(std::string_view& rest, std::string_view expected)
+bool takeFront(std::string_view& text, std::string_view front)
 {
-    if (rest.substr(0, expected.size()) != expected)
-        return false;
-    rest.remove_prefix(expected.size());
-    return true;
+    bool const isThere = text.substr(0, front.size()) == front;
+    text.remove_prefix(isThere ? front.size() : 0);
+    return isThere;
 }
 
-// Takes "<name>" or "</name>", where opening is "<" or "</".
-bool skipTag(std::string_view& rest, std::string_view opening, std::string_view name)
+bool takeBack(std::string_view& text, std::string_view back)
 {
-    std::string_view after = rest;
-    if (!skip(after, opening) || !skip(after, name) || !skip(after, ">"))
-        return false;
-    rest = after;
-    return true;
+    bool const isThere = text.size() >= back.size() && text.substr(text.size() - back.size()) == back;
+    text.remove_suffix(isThere ? back.size() : 0);
+    return isThere;
 }
 
-bool isFile(Element element)
-{
-    return element == fileOutput || element == fileInput;
-}
-
-// The value of the element whose start tag was just taken; its end tag is taken too.
-std::string_view readValue(std::string_view& rest, Element element)
-{
-    auto const& [name, endTag] = s_elements[element];
-    std::size_t const end = isFile(element) ? rest.rfind(endTag) : rest.find(endTag);
-    if (end == std::string_view::npos)
-        refuse("element " + std::string(name) + " has no end");
-    std::string_view const value = rest.substr(0, end);
-    rest.remove_prefix(end + endTag.size());
-    if (value.empty())
-        refuse("element " + std::string(name) + " is empty");
-    if (!isFile(element) && value.find_first_of("<>&") != std::string_view::npos)
-        refuse("element " + std::string(name) + " holds markup");
-    return value;
-}
-
-// Takes one element into values and tells which it was.
-Element readElement(std::string_view& rest, Values& values)
-{
-    auto const found = std::find_if(s_elements.begin(), s_elements.end(),
-                                    [&](ElementTags const& tags) { return skipTag(rest, "<", tags.m_name); });
-    if (found == s_elements.end())
-        refuse("it holds what is no known element");
-    auto const element = static_cast<Element>(found - s_elements.begin());
-    if (!values[element].empty())
-        refuse("element " + std::string(found->m_name) + " stands twice");
-    values[element] = readValue(rest, element);
-    return element;
-}
-
-Values readValues(char const* text, std::string_view root)
+std::string_view withoutDeclaration(char const* text)
 {
     if (!text)
-        refuse("there is none");
+        refuse("it is null");
     std::string_view rest(text);
-    skip(rest, s_declaration);
-    if (!skipTag(rest, "<", root))
-        refuse("its root is not " + std::string(root));
-    Values values;
-    bool behindFile = false;
-    while (!skipTag(rest, "</", root))
-    {
-        if (behindFile)
-            refuse("the name of its file is not the last in it");
-        behindFile = isFile(readElement(rest, values));
-    }
-    if (!rest.empty())
-        refuse("something follows its end");
-    return values;
+    takeFront(rest, s_declaration);
+    return rest;
 }
 
-bool fits(SetUpRule const& rule, Values const& values)
+// What stands between front and back, or nothing if text has another form.
+std::string_view between(std::string_view text, std::string_view front, std::string_view back)
 {
-    return values[action] == rule.m_actionText && values[dataLocation] == rule.m_dataLocation &&
-           values[serviceID].empty() && values[fileOutput].empty() == (rule.m_file != fileOutput) &&
-           values[fileInput].empty() == (rule.m_file != fileInput);
+    return takeFront(text, front) && takeBack(text, back) ? text : std::string_view();
+}
+
+// Takes `<offset>N</offset>` off the end of text; leaves both as they are if it has another end.
+void takeOffset(std::string_view& text, std::uint64_t& offset)
+{
+    std::string_view rest = text;
+    if (!takeBack(rest, "</offset>"))
+        return;
+    std::string_view const digits = rest.substr(rest.find_last_not_of("0123456789") + 1);
+    std::uint64_t number = 0;
+    bool const fits = std::from_chars(digits.data(), digits.data() + digits.size(), number).ec == std::errc();
+    rest.remove_suffix(digits.size());
+    if (!fits || !takeBack(rest, "<offset>"))
+        return;
+    text = rest;
+    offset = number;
 }
 }  // namespace
 
 std::string_view KRYDocument::readServiceID(char const* text, std::string_view root)
 {
-    Values const values = readValues(text, root);
-    if (values[serviceID].empty())
-        refuse("there is no service id");
-    if (values[serviceID].size() > s_serviceIDLimit)
-        refuse("its service id is too long");
-    if (std::any_of(values.begin() + action, values.end(), [](auto value) { return !value.empty(); }))
-        refuse("only a service id belongs there");
-    return values[serviceID];
+    std::string_view id = withoutDeclaration(text);
+    bool const fits = takeFront(id, "<") && takeFront(id, root) && takeFront(id, "><serviceID>") &&
+                      takeBack(id, ">") && takeBack(id, root) && takeBack(id, "</serviceID></");
+    if (!fits || id.find_first_of("<>&") != std::string_view::npos)
+        refuse("it is not " + std::string(root) + " around one plain serviceID");
+    if (id.empty() || id.size() > s_serviceIDLimit)
+        refuse("its service id does not have 1 to 255 bytes");
+    return id;
 }
 
 KRYSetUp KRYDocument::readSetUp(char const* text)
 {
-    Values const values = readValues(text, "setInfoDocument");
-    auto const rule = std::find_if(s_setUps.begin(), s_setUps.end(),
-                                   [&](SetUpRule const& each) { return fits(each, values); });
-    if (rule == s_setUps.end())
-    {
-        bool const known =
-            std::any_of(s_setUps.begin(), s_setUps.end(),
-                        [&](SetUpRule const& each) { return each.m_actionText == values[action]; });
-        refuse(known ? "its elements do not fit its action" : "its action is unknown");
-    }
-    return {rule->m_action, rule->m_file == elementCount ? std::string_view() : values[rule->m_file]};
+    std::string_view rest = withoutDeclaration(text);
+    if (!takeFront(rest, "<setInfoDocument>") || !takeBack(rest, "</setInfoDocument>"))
+        refuse("it is no setInfoDocument");
+    if (rest == "<action>CSKHMAC</action><dataLocation>memory</dataLocation>" ||
+        rest == "<dataLocation>memory</dataLocation><action>CSKHMAC</action>")
+        return {KRYAction::sign, {}, 0};
+    if (rest == "<dataLocation>file</dataLocation>")
+        return {KRYAction::finish, {}, 0};
+    std::string_view name = between(rest, "<action>CipherStream</action><fileOutput>", "</fileOutput>");
+    if (!name.empty())
+        return {KRYAction::cipher, name, 0};
+    std::uint64_t offset = 0;
+    takeOffset(rest, offset);
+    name = between(rest, "<action>DecipherStream</action><fileInput>", "</fileInput>");
+    if (!name.empty())
+        return {KRYAction::decipher, name, offset};
+    refuse("its elements are none that set a session up");
 }

@@ -30,13 +30,14 @@ struct stat KRYFile::getStatus() const
     return status;
 }
 
-std::size_t KRYFile::read(unsigned char* target, std::size_t size)
+std::size_t KRYFile::readAt(std::uint64_t offset, unsigned char* target, std::size_t size) const
 {
     std::size_t count = 0;
     while (count < size)
     {
+        auto const place = static_cast<off_t>(offset + count);
         ssize_t const got =
-            retryInterrupted([&] { return ::read(m_descriptor, target + count, size - count); });
+            retryInterrupted([&] { return ::pread(m_descriptor, target + count, size - count, place); });
         if (got == -1)
             fail("can't be read");
         if (got == 0)

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include <sys/stat.h>
@@ -35,7 +36,7 @@ public:
     struct stat getStatus() const;
 
     // Fewer bytes than asked for come only where the file ends.
-    std::size_t read(unsigned char* target, std::size_t size);
+    std::size_t readAt(std::uint64_t offset, unsigned char* target, std::size_t size) const;
     void write(unsigned char const* data, std::size_t size);
     // Until everything is on the disk; of a directory, the names in it.
     void sync();

@@ -1,7 +1,8 @@
-// Reads one encrypted file. For one thread at a time; memory for one segment serves a file of any size.
+// Reads one encrypted file, from any place in it. For one thread at a time; memory for one segment serves a
+// file of any size.
 //
-// Nothing is given out before its segment is authenticated, and the end is told only where the last segment
-// was, with nothing behind it. A failure stays: every later read fails for the same reason.
+// Only authenticated data is returned, and the end only after the last segment. A failure stays: every later
+// call fails for the same reason.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYFILEREADER_H
 #define KRY_CRYPTO_INTERFACE_KRYFILEREADER_H
@@ -18,29 +19,35 @@
 class KRYFileReader
 {
 public:
-    // Raises KRYError unless it is a regular file with a header of ours that the master key belongs to.
-    KRYFileReader(std::string_view path, KRYSecret const& masterKey, std::string const& serviceID);
+    // Begins at the byte offset of the plain data. Raises KRYError unless it is a regular file with a header
+    // of ours that the master key belongs to, and the plain data reaches to offset.
+    KRYFileReader(std::string_view path, std::uint64_t offset, KRYSecret const& masterKey,
+                  std::string const& serviceID);
     ~KRYFileReader();
 
-    // The data from here on, as far as its segment goes: empty only at the end of the file. Stays valid and
-    // is given again until advance.
+    // The data from the position to the end of its segment: empty only at the end of the file. Valid until
+    // the next call of peek or getSize.
     std::string_view peek();
     void advance(std::size_t count) { m_position += count; }
 
+    // The size of the plain data, which the last segment proves.
+    std::uint64_t getSize();
+
 private:
+    std::uint64_t getBodySize() const;
     KRYFileHeader readHeader(KRYSecret const& masterKey);
-    void readSegment();
+    void load(std::uint64_t number);
 
     KRYFile m_file;
+    std::uint64_t const m_bodySize;  // of all segments with their tags
+    std::uint64_t const m_lastNumber;
     KRYSegmentCipher m_cipher;
     KRYSticky m_sticky;
 
-    // A segment, its tag, and the first byte of the next one: without that this is the last.
+    std::uint64_t m_position;  // in the plain data
     std::unique_ptr<unsigned char[]> m_segment;
-    std::size_t m_position = 0;
-    std::size_t m_end = 0;
-    std::uint64_t m_number = 0;  // of the next segment
-    bool m_atLast = false;
+    std::uint64_t m_number;    // of the segment in memory
+    std::size_t m_loaded = 0;  // its plain bytes
 };
 
 #endif

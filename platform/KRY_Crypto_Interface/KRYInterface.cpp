@@ -16,14 +16,26 @@ KRYInterface& KRYInterface::getInstance()
 
 void KRYInterface::start(char const* document)
 {
-    std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
     std::lock_guard<std::mutex> const guard(m_lock);
+    m_startFailure.watch([&] { startService(document); });
+    m_startFailure = {};
+}
+
+void KRYInterface::startService(char const* document)
+{
+    std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
     // Where OpenSSL had no memory for its first steps, it crashes in later ones.
     requireCrypto(OSSL_LIB_CTX_get0_global_default() != nullptr, "OSSL_LIB_CTX_get0_global_default");
     auto key = m_masterKey ? nullptr : KRYKeyFile::load();
     m_services.emplace(serviceID);
     if (key)
         m_masterKey = std::move(key);
+}
+
+std::string KRYInterface::getStartFailure()
+{
+    std::lock_guard<std::mutex> const guard(m_lock);
+    return m_startFailure.getText();
 }
 
 void KRYInterface::stop(char const* document)

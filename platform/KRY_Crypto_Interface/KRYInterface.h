@@ -25,14 +25,19 @@ public:
     void stop(char const* document);
     void* open(char const* document);
 
+    // Why the last start failed; empty if it succeeded.
+    std::string getStartFailure();
+
     KRYRegistry& getSessions() { return m_sessions; }
 
 private:
     KRYInterface() = default;
+    void startService(char const* document);
 
     std::mutex m_lock;
     std::set<std::string, std::less<>> m_services;
     std::unique_ptr<KRYSecret> m_masterKey;  // there while a service is started; sessions refer to it
+    KRYLastFailure m_startFailure;
     KRYRegistry m_sessions;
 };
 

@@ -106,7 +106,7 @@ std::unique_ptr<KRYSecret> KRYKeyFile::load()
         if (rule.m_isBroken(status))
             throw KRYError(KRY_ERROR_KEY, label + rule.m_text);
     auto key = std::make_unique<KRYSecret>();
-    if (file.read(key->data(), KRYSecret::s_size) != KRYSecret::s_size)
+    if (file.readAt(0, key->data(), KRYSecret::s_size) != KRYSecret::s_size)
         throw KRYError(KRY_ERROR_KEY, label + " was cut while it was read");
     return key;
 }

@@ -21,13 +21,13 @@ void give(KRYOutput output, std::string_view bytes)
 }  // namespace
 
 KRYSession::KRYSession(std::string_view serviceID, KRYSecret const& masterKey)
-    : m_serviceID(serviceID), m_masterKey(masterKey), m_lastFailure(nullptr, std::free)
+    : m_serviceID(serviceID), m_masterKey(masterKey)
 {
 }
 
 void KRYSession::setUp(char const* document)
 {
-    auto const [action, fileName] = KRYDocument::readSetUp(document);
+    auto const [action, fileName, offset] = KRYDocument::readSetUp(document);
     if (m_writer && action != KRYAction::finish)
         throw KRYError(KRY_ERROR_STATE, "a file is being written: only the closing document is taken");
     m_signer.reset();
@@ -38,7 +38,7 @@ void KRYSession::setUp(char const* document)
     else if (action == KRYAction::cipher)
         m_writer = std::make_unique<KRYFileWriter>(fileName, m_masterKey, m_serviceID);
     else if (action == KRYAction::decipher)
-        m_reader = std::make_unique<KRYFileReader>(fileName, m_masterKey, m_serviceID);
+        m_reader = std::make_unique<KRYFileReader>(fileName, offset, m_masterKey, m_serviceID);
 }
 
 void KRYSession::protect(char const* data, std::uint32_t size, KRYOutput output)
@@ -57,13 +57,24 @@ void KRYSession::protect(char const* data, std::uint32_t size, KRYOutput output)
 
 void KRYSession::unprotect(std::uint32_t wanted, KRYOutput output)
 {
-    if (!m_reader)
-        throw KRYError(KRY_ERROR_STATE, "the session is not set up to read a file");
-    std::string_view bytes = m_reader->peek();
+    KRYFileReader& reader = getReader();
+    std::string_view bytes = reader.peek();
     if (wanted != 0)
         bytes = bytes.substr(0, wanted);
     give(output, bytes);
-    m_reader->advance(bytes.size());
+    reader.advance(bytes.size());
+}
+
+std::uint64_t KRYSession::getFileSize()
+{
+    return getReader().getSize();
+}
+
+KRYFileReader& KRYSession::getReader()
+{
+    if (!m_reader)
+        throw KRYError(KRY_ERROR_STATE, "the session is not set up to read a file");
+    return *m_reader;
 }
 
 // However it ends, the session is idle afterwards, and the writer gone.
@@ -72,16 +83,4 @@ void KRYSession::finishFile()
     m_closing = false;
     if (auto const writer = std::move(m_writer))
         writer->finish();
-}
-
-void KRYSession::rememberFailure(char const* text) noexcept
-{
-    try
-    {
-        m_lastFailure.reset(copyOut(text));
-    }
-    catch (std::bad_alloc const&)
-    {
-        m_lastFailure.reset();
-    }
 }

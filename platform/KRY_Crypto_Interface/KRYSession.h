@@ -17,7 +17,6 @@
 #define KRY_CRYPTO_INTERFACE_KRYSESSION_H
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +24,7 @@
 #include "KRY_Crypto_Interface/KRYDocument.h"
 #include "KRY_Crypto_Interface/KRYFileReader.h"
 #include "KRY_Crypto_Interface/KRYFileWriter.h"
+#include "KRY_Crypto_Interface/KRYLastFailure.h"
 #include "KRY_Crypto_Interface/KRYSigner.h"
 
 // Where a call puts what comes back. Both stand at 0 before the call, and either is null if nothing is
@@ -48,16 +48,18 @@ public:
     // Reads wanted bytes at most, and at most a segment; 0 means a segment.
     void unprotect(std::uint32_t wanted, KRYOutput output);
 
-    // The text of the last failure; null for none, or if there was no memory to keep it.
-    char const* getLastFailure() const { return m_lastFailure.get(); }
-    void rememberFailure(char const* text) noexcept;
+    // The size of the plain data of the file that is read.
+    std::uint64_t getFileSize();
+
+    KRYLastFailure& getLastFailure() { return m_lastFailure; }
 
 private:
+    KRYFileReader& getReader();
     void finishFile();
 
     std::string const m_serviceID;
     KRYSecret const& m_masterKey;
-    std::unique_ptr<char, decltype(&std::free)> m_lastFailure;
+    KRYLastFailure m_lastFailure;
 
     // At most one of the three is there.
     std::unique_ptr<KRYSigner> m_signer;

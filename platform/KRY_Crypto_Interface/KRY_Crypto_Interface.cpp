@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "KRY_Crypto_Interface/KRYError.h"
@@ -11,10 +12,10 @@
 namespace
 {
 // Lack of memory costs the text, never the status.
-void giveText(char** target, char const* text) noexcept
+void giveText(char** target, std::string_view text) noexcept
 {
-    if (target && text)
-        *target = ::strdup(text);
+    if (target && !text.empty())
+        *target = ::strndup(text.data(), text.size());
 }
 
 // Runs work where nothing may leave but a status.
@@ -42,15 +43,7 @@ std::int32_t inSession(void* token, Work work) noexcept
                    [&]
                    {
                        KRYRegistry::Access const session(KRYInterface::getInstance().getSessions(), token);
-                       try
-                       {
-                           work(*session);
-                       }
-                       catch (...)
-                       {
-                           session->rememberFailure(currentFailure().m_text);
-                           throw;
-                       }
+                       session->getLastFailure().watch([&] { work(*session); });
                    });
 }
 
@@ -59,6 +52,15 @@ void requireArgument(void const* argument)
 {
     if (!argument)
         throw KRYError(KRY_ERROR_ARGUMENT, "an argument is null");
+}
+
+std::string getInfo(KRYSession& session, std::string_view name)
+{
+    if (name == "serviceID")
+        return session.getServiceID();
+    if (name == "size")
+        return std::to_string(session.getFileSize());
+    throw KRYError(KRY_ERROR_ARGUMENT, "there is no information of that name");
 }
 
 KRYOutput cleared(char** data, std::uint32_t* size)
@@ -109,9 +111,7 @@ std::int32_t KRY_GetInfo(void* session, void* first, void* second, void*)
                      {
                          requireArgument(first);
                          requireArgument(target);
-                         if (static_cast<char const*>(first) != std::string_view("serviceID"))
-                             throw KRYError(KRY_ERROR_ARGUMENT, "there is no information of that name");
-                         *target = copyOut(open.getServiceID());
+                         *target = copyOut(getInfo(open, static_cast<char const*>(first)));
                      });
 }
 
@@ -159,7 +159,10 @@ std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
                    [&]
                    {
                        requireArgument(details);
-                       KRYRegistry::Access const open(KRYInterface::getInstance().getSessions(), session);
-                       giveText(details, open->getLastFailure());
+                       KRYInterface& interface = KRYInterface::getInstance();
+                       if (!session)
+                           return giveText(details, interface.getStartFailure());
+                       KRYRegistry::Access const open(interface.getSessions(), session);
+                       giveText(details, open->getLastFailure().getText());
                    });
 }

@@ -1,15 +1,41 @@
-// All cryptography, behind ten plain functions that are driven by XML documents.
+// All cryptography: ten plain functions that are driven by XML documents. docs/crypto-handles.md has a table
+// of the documents, docs/keys.md tells about keys, docs/formats.md what a signature and an encrypted file
+// are.
 //
-// Every function gives a status; none lets an exception out. Where a details argument is given it starts as
-// null, and on failure receives a fresh terminated text that says why and holds no key and no data (UTF-8,
-// but for the bytes of a file's name); the caller frees it by KRY_CryptoFree. It stays null if there was no
-// memory for the text. Null instead of its address is taken too. Sessions are opaque: null, closed or foreign
-// ones give a failed status. All functions may be called from any thread; calls on one session run one at a
-// time. Arguments named extra are reserved and not looked at.
+// Status. Every function returns one: KRY_SUCCESS or a negative KRYStatus. No C++ exception leaves a
+// function. Sessions are opaque. A null, closed or foreign session is refused with KRY_ERROR_SESSION.
 //
-// The key comes from the file that the setting "cryptoKeyFile" names, else from the user's state directory,
-// where the first start makes it; KRYKeyFile.h has the rules. KRYDocument.h has those of the documents,
-// KRYSigner.h what a signature is, KRYFileHeader.h what an encrypted file is.
+// Details. Where a function takes the address of a details pointer, it writes there after a failure: a new
+// terminated text that says why, in UTF-8 except for the bytes of a file's name, without keys and data. The
+// caller sets the pointer to null before the call and frees the text by KRY_CryptoFree. The pointer stays
+// null if there is no memory for the text. The address itself may be null.
+//
+// Texts and bytes. Documents are terminated strings. They are compared byte for byte: no blanks or line ends
+// between elements, no attributes, no entities. The declaration `<?xml version="1.0" encoding="UTF-8"
+// standalone="yes"?>` may stand in front. Names of files are the system's own bytes, at most what the system
+// allows. Sizes are in bytes.
+//
+// Threads. Any thread may call any function; calls on one session run one at a time. A process that forks:
+// see docs/keys.md. Arguments named extra are reserved; pass null.
+//
+// Signatures are HMAC-SHA-256 (RFC 2104), files AES-256-GCM (NIST SP 800-38D), keys of services HKDF (RFC
+// 5869).
+//
+// Example:
+//     void* session = nullptr;
+//     char* digest = nullptr;
+//     std::uint32_t size = 0;
+//     KRY_CryptoInitialize("<initializeDocument><serviceID>SHOP</serviceID></initializeDocument>", nullptr,
+//     nullptr); KRY_PersistentInitialize(&session,
+//     "<sessionConfigDocument><serviceID>SHOP</serviceID></sessionConfigDocument>",
+//                              nullptr, nullptr);
+//     KRY_SetInfo(session, "<setInfoDocument><action>CSKHMAC</action><dataLocation>memory</dataLocation>"
+//                          "</setInfoDocument>", nullptr);
+//     if (KRY_SUCCEEDED(KRY_ProtectData(session, "text", 4, &digest, &size, nullptr)))
+//         KRY_CryptoFree(digest, nullptr);  // after use of its 32 bytes
+//     KRY_CloseHandle(&session, nullptr, nullptr);
+//     KRY_CryptoTerminate("<terminateDocument><serviceID>SHOP</serviceID></terminateDocument>", nullptr,
+//     nullptr);
 
 #ifndef KRY_CRYPTO_INTERFACE_KRY_CRYPTO_INTERFACE_H
 #define KRY_CRYPTO_INTERFACE_KRY_CRYPTO_INTERFACE_H
@@ -23,66 +49,86 @@
 enum KRYStatus : std::int32_t
 {
     KRY_SUCCESS = 0,
-    KRY_ERROR_ARGUMENT = -1,  // null or a value that the call can't do with
+    KRY_ERROR_ARGUMENT = -1,  // null, or a value that the call can't use
     KRY_ERROR_DOCUMENT = -2,  // refused document
     KRY_ERROR_STATE = -3,     // not started, or the session is not set up for that
     KRY_ERROR_SESSION = -4,   // null, closed or foreign session
     KRY_ERROR_KEY = -5,       // key file that breaks its rules
     KRY_ERROR_FILE = -6,      // the system refused work on a file
-    KRY_ERROR_DAMAGED = -7,   // file that is not what was written under this key and service id
-    KRY_ERROR_CRYPTO = -8,    // OpenSSL failed
+    KRY_ERROR_DAMAGED = -7,  // file that is not what was written for this service under a key of the key file
+    KRY_ERROR_CRYPTO = -8,   // OpenSSL failed
     KRY_ERROR_MEMORY = -9,
     KRY_ERROR_INTERNAL = -10
 };
 
 extern "C"
 {
-    // `<initializeDocument><serviceID>ID</serviceID></initializeDocument>` starts, terminateDocument stops
-    // the interface for a service. Service ids are kept as a set: one that is started twice ends with its
-    // first stop. Stopping what is not started fails. The first start loads the key. The last stop closes all
-    // sessions (unfinished files are discarded) and wipes all keys, and waits for calls that are in a
-    // session.
+    // Starts the interface for a service by
+    // `<initializeDocument><serviceID>ID</serviceID></initializeDocument>`. ID is 1 to 255 bytes without `<`,
+    // `>` and `&`. Started services are a set: starting one again succeeds and changes nothing. The first
+    // start loads the keys, from the file that the setting "cryptoKeyFile" names or else from the user's
+    // state directory, and makes OpenSSL leave out its cleanup at exit if nobody has used OpenSSL in this
+    // process before.
     KRY_API std::int32_t KRY_CryptoInitialize(char const* initializeDocument, void* extra, char** details);
+    // Stops a service by the same document with the root terminateDocument. KRY_ERROR_STATE if it is not
+    // started. The last stop waits for calls that are in a session, closes all sessions, discards unfinished
+    // files and wipes all keys.
     KRY_API std::int32_t KRY_CryptoTerminate(char const* terminateDocument, void* extra, char** details);
 
-    // Opens a session by `<sessionConfigDocument><serviceID>ID</serviceID></sessionConfigDocument>`. Any id
-    // is taken, of 255 bytes at most; each has keys of its own. *session is null after a failure.
+    // Opens a session by `<sessionConfigDocument><serviceID>ID</serviceID></sessionConfigDocument>` between
+    // the first start and the last stop. ID need not be a started service; each ID has keys of its own. The
+    // caller owns *session and closes it by KRY_CloseHandle. *session is null after a failure.
     KRY_API std::int32_t KRY_PersistentInitialize(void** session, char const* sessionConfigDocument,
                                                   void* extra, char** details);
 
-    // Sets what the session does from now on, by one of four documents (`<setInfoDocument>` around):
-    // - `<action>CSKHMAC</action><dataLocation>memory</dataLocation>`: KRY_ProtectData signs.
+    // Sets what the session does from now on, by a `<setInfoDocument>` around one of these:
+    // - `<action>CSKHMAC</action><dataLocation>memory</dataLocation>`: KRY_ProtectData signs. The two
+    // elements
+    //   may change places.
     // - `<action>CipherStream</action><fileOutput>NAME</fileOutput>`: KRY_ProtectData appends to a new
-    //   encrypted file. It has its name only when it is finished, and until then the name's old file stays.
-    //   NAME is raw bytes. Refused if something else than a regular file has the name.
+    // encrypted
+    //   file. It takes its name when it is finished; until then an older file of the name stays. Refused
+    //   if the name belongs to anything but a regular file.
     // - `<dataLocation>file</dataLocation>`, the closing document: the next KRY_ProtectData, without data,
-    //   finishes the file. No error if no file is being written; that call then succeeds too.
+    //   finishes the file. Without a file being written, both succeed and do nothing.
     // - `<action>DecipherStream</action><fileInput>NAME</fileInput>`: KRY_UnprotectData reads such a file.
-    // While a file is being written, only the closing document is taken.
+    //   `<offset>N</offset>` may follow, N in decimal digits: reading begins at that byte of the plain
+    //   data. KRY_ERROR_ARGUMENT if the plain data is shorter than N.
+    // While a file is being written, only the closing document is taken. Any other set-up ends the one
+    // before, even if it fails; a document that is refused changes nothing. KRY_CryptoGetLastErrorDetails has
+    // the reason.
     KRY_API std::int32_t KRY_SetInfo(void* session, char const* setInfoDocument, void* extra);
-    // first: a terminated name, of which "serviceID" is the only one; second: char**, receives that text,
-    // freed by KRY_CryptoFree; third: reserved.
+    // Returns a text in *second. first is its name, a terminated string; second is a char**, freed by
+    // KRY_CryptoFree and null after a failure; third is reserved. The names:
+    // - "serviceID": the ID that the session was opened with.
+    // - "size": the number of plain bytes in the file that the session reads, in decimal. The file's last
+    // segment is
+    //   authenticated first, so a file that was cut is refused. What is read next stays the same.
     KRY_API std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third);
 
-    // Signing gives 32 bytes out, freed by KRY_CryptoFree. Writing a file gives nothing out and takes null
-    // for outData and outSize; once a write has failed all further ones do, and the finishing call too, which
-    // then leaves the old file and an idle session. *outData and *outSize are 0 where nothing comes back.
+    // Signing returns 32 bytes in *outData, freed by KRY_CryptoFree. Writing a file returns nothing, and
+    // outData and outSize may be null. After a write that failed all further ones fail, and so does the
+    // finishing call, which then leaves the older file and a session without a set-up. *outData and *outSize
+    // are 0 where nothing is returned. data may be null if size is 0.
     KRY_API std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
                                          std::uint32_t* outSize, void* extra);
-    // Reads on in a file; data is null and size 0. *outSize tells on entry how many bytes are wanted at most,
-    // and then how many came; 0 wants a segment, and more than a segment (64 KiB) never comes. Success with 0
-    // bytes is the end of a file that is whole. Bytes that came before a failure were right, but the file is
-    // not.
+    // Returns the next plain bytes of the file, freed by KRY_CryptoFree; data is null and size 0. On entry
+    // *outSize is the most bytes wanted; 0 means one segment, 65,536 bytes, and more are never returned. On
+    // return it is the number of bytes in *outData. Success with 0 bytes is the end of a file that is whole.
+    // Bytes that were returned before a failure are right, but the file is not.
     KRY_API std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size,
                                            char** outData, std::uint32_t* outSize, void* extra);
 
-    // Closes the session, discards a file that is not finished, and clears *session. A failure leaves
-    // *session.
+    // Closes the session after waiting for a call that is in it, discards a file that is not finished, and
+    // sets *session to null. *session keeps its value after a failure.
     KRY_API std::int32_t KRY_CloseHandle(void** session, void* extra, char** details);
 
-    // Takes memory that the interface gave out, or null, at any time, also behind the last stop.
+    // Frees memory that the interface returned, or null, at any time, even after the last stop. Always
+    // succeeds.
     KRY_API std::int32_t KRY_CryptoFree(void* memory, void* extra);
-    // The reason of the session's last failure, which later successes leave as it is; null for none.
+    // Returns why the last call that failed in this session failed; later successes leave the reason. A null
+    // session asks why the last KRY_CryptoInitialize of the process failed. *details is null if there is no
+    // reason.
     KRY_API std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void* extra, char** details);
 }
 
