@@ -1,6 +1,10 @@
 // Each function takes exactly its own documents, in the spellings listed here, and refuses every other text
 // as a document. A file that a document names is missing or discarded; names with a separator are not tried.
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+
 #include "fuzz/StartedCrypto.h"
 
 namespace
@@ -32,6 +36,19 @@ bool isServiceDocument(std::string text, std::string const& root)
            !text.empty() && text.size() < 256 && text.find_first_of("<>&") == std::string::npos;
 }
 
+// Takes `<offset>N</offset>` from the end if there is such an end; false if N is no number of 64 bits.
+bool takeOffset(std::string& text)
+{
+    if (!takeBack(text, "</offset>"))
+        return true;
+    std::size_t const start = text.rfind("<offset>");
+    std::string const digits = start == std::string::npos ? "" : text.substr(start + 8);
+    text.resize(std::min(start, text.size()));
+    errno = 0;
+    std::strtoull(digits.c_str(), nullptr, 10);
+    return !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos && errno == 0;
+}
+
 // The name of its file stays in text, if it has one.
 bool isSetUp(std::string& text)
 {
@@ -40,9 +57,10 @@ bool isSetUp(std::string& text)
     std::string const sign = "<action>CSKHMAC</action>", memory = "<dataLocation>memory</dataLocation>";
     if (text == sign + memory || text == memory + sign || text == "<dataLocation>file</dataLocation>")
         return text.clear(), true;
-    bool const hasFile =
-        (takeFront(text, "<action>CipherStream</action><fileOutput>") && takeBack(text, "</fileOutput>")) ||
-        (takeFront(text, "<action>DecipherStream</action><fileInput>") && takeBack(text, "</fileInput>"));
+    bool const hasFile = takeFront(text, "<action>CipherStream</action><fileOutput>")
+                             ? takeBack(text, "</fileOutput>")
+                             : takeFront(text, "<action>DecipherStream</action><fileInput>") &&
+                                   takeOffset(text) && takeBack(text, "</fileInput>");
     return hasFile && !text.empty();
 }
 

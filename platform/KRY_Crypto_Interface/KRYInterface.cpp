@@ -24,6 +24,8 @@ void KRYInterface::start(char const* document)
 void KRYInterface::startService(char const* document)
 {
     std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
+    // OpenSSL's cleanup at exit frees what other threads may still be using.
+    requireCrypto(OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) == 1, "OPENSSL_init_crypto");
     // Where OpenSSL had no memory for its first steps, it crashes in later ones.
     requireCrypto(OSSL_LIB_CTX_get0_global_default() != nullptr, "OSSL_LIB_CTX_get0_global_default");
     auto key = m_masterKey ? nullptr : KRYKeyFile::load();

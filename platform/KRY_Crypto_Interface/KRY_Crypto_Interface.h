@@ -23,19 +23,11 @@
 //
 // Example:
 //     void* session = nullptr;
-//     char* digest = nullptr;
-//     std::uint32_t size = 0;
-//     KRY_CryptoInitialize("<initializeDocument><serviceID>SHOP</serviceID></initializeDocument>", nullptr,
-//     nullptr); KRY_PersistentInitialize(&session,
-//     "<sessionConfigDocument><serviceID>SHOP</serviceID></sessionConfigDocument>",
-//                              nullptr, nullptr);
-//     KRY_SetInfo(session, "<setInfoDocument><action>CSKHMAC</action><dataLocation>memory</dataLocation>"
-//                          "</setInfoDocument>", nullptr);
-//     if (KRY_SUCCEEDED(KRY_ProtectData(session, "text", 4, &digest, &size, nullptr)))
-//         KRY_CryptoFree(digest, nullptr);  // after use of its 32 bytes
+//     char* details = nullptr;
+//     char const document[] = "<sessionConfigDocument><serviceID>SHOP</serviceID></sessionConfigDocument>";
+//     if (!KRY_SUCCEEDED(KRY_PersistentInitialize(&session, document, nullptr, &details)))
+//         KRY_CryptoFree(details, nullptr);  // after it was read: it says why
 //     KRY_CloseHandle(&session, nullptr, nullptr);
-//     KRY_CryptoTerminate("<terminateDocument><serviceID>SHOP</serviceID></terminateDocument>", nullptr,
-//     nullptr);
 
 #ifndef KRY_CRYPTO_INTERFACE_KRY_CRYPTO_INTERFACE_H
 #define KRY_CRYPTO_INTERFACE_KRY_CRYPTO_INTERFACE_H

@@ -1,73 +1,104 @@
 #include "platform/KRYStarted.h"
+#include "support/Rows.h"
 
 namespace
 {
-// Contents of documents, and why they are refused.
-std::pair<char const*, char const*> const s_startCases[] = {
-    {"", "there is no service id"},
-    {"<serviceID></serviceID>", "element serviceID is empty"},
-    {"<serviceID>S</serviceID><serviceID>T</serviceID>", "element serviceID stands twice"},
-    {"<serviceID>a&amp;b</serviceID>", "element serviceID holds markup"},
-    {"<serviceID>S", "element serviceID has no end"},
-    {"<serviceID a=\"1\">S</serviceID>", "it holds what is no known element"},
-    {"<serviceID>S</serviceID><action>CSKHMAC</action>", "only a service id belongs there"},
-    {"<serviceID>S</serviceID></initializeDocument>\n", "something follows its end"},
+struct DocumentCase
+{
+    char const* m_name;
+    char const* m_document;
+    char const* m_reason;
 };
 
-char const s_unfit[] = "its elements do not fit its action";
+char const s_root[] = "it is not initializeDocument around one plain serviceID";
+char const s_length[] = "its service id does not have 1 to 255 bytes";
 
-std::pair<char const*, char const*> const s_setUpCases[] = {
-    {"<action>Secret</action><dataLocation>memory</dataLocation>", "its action is unknown"},
-    {"<action>CSKHMAC</action><action>CSKHMAC</action>", "element action stands twice"},
-    {"<action>CSKHMAC</action><dataLocation>file</dataLocation>", s_unfit},
-    {"<serviceID>S</serviceID><action>CSKHMAC</action><dataLocation>memory</dataLocation>", s_unfit},
-    {"<dataLocation>memory</dataLocation>", s_unfit},
-    {"<action>CipherStream</action>", s_unfit},
-    {"<action>DecipherStream</action>", s_unfit},
-    {"<fileOutput>x</fileOutput><action>CipherStream</action>", "the name of its file is not the last in it"},
+DocumentCase const s_starts[] = {
+    {"Null", nullptr, "it is null"},
+    {"Empty", "", s_root},
+    {"OtherRoot", "<terminateDocument><serviceID>S</serviceID></terminateDocument>", s_root},
+    {"OtherDeclaration",
+     "<?xml version=\"1.1\"?><initializeDocument><serviceID>S</serviceID></initializeDocument>", s_root},
+    {"NoService", "<initializeDocument></initializeDocument>", s_root},
+    {"EmptyService", "<initializeDocument><serviceID></serviceID></initializeDocument>", s_length},
+    {"Markup", "<initializeDocument><serviceID>a&amp;b</serviceID></initializeDocument>", s_root},
+    {"LineAfterTheEnd", "<initializeDocument><serviceID>S</serviceID></initializeDocument>\n", s_root},
+};
+
+char const s_elements[] = "its elements are none that set a session up";
+
+DocumentCase const s_setUps[] = {
+    {"OtherRoot", "<sessionConfigDocument><serviceID>S</serviceID></sessionConfigDocument>",
+     "it is no setInfoDocument"},
+    {"UnknownAction",
+     "<setInfoDocument><action>Secret</action><dataLocation>memory</dataLocation></setInfoDocument>",
+     s_elements},
+    {"SignatureOfAFile",
+     "<setInfoDocument><action>CSKHMAC</action><dataLocation>file</dataLocation></setInfoDocument>",
+     s_elements},
+    {"NoFileName",
+     "<setInfoDocument><action>CipherStream</action><fileOutput></fileOutput></setInfoDocument>", s_elements},
+    {"ActionAfterTheFile",
+     "<setInfoDocument><fileOutput>x</fileOutput><action>CipherStream</action></setInfoDocument>",
+     s_elements},
+    {"OffsetOfAnOutput",
+     "<setInfoDocument><action>CipherStream</action><fileOutput>x</fileOutput><offset>1</offset>"
+     "</setInfoDocument>",
+     s_elements},
+    {"NegativeOffset",
+     "<setInfoDocument><action>DecipherStream</action><fileInput>x</fileInput><offset>-1</offset>"
+     "</setInfoDocument>",
+     s_elements},
+    {"OffsetBeyond64Bits",
+     "<setInfoDocument><action>DecipherStream</action><fileInput>x</fileInput>"
+     "<offset>18446744073709551616</offset></setInfoDocument>",
+     s_elements},
+};
+
+struct KRYStartDocument : testing::TestWithParam<DocumentCase>
+{
+};
+
+struct KRYSetUpDocument : KRYStarted, testing::WithParamInterface<DocumentCase>
+{
 };
 }  // namespace
 
-TEST(KRYDocument, OfAStartIsTakenStrictly)
+TEST_P(KRYStartDocument, IsRefusedWithItsReason)
+{
+    char* details = nullptr;
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_CryptoInitialize(GetParam().m_document, nullptr, &details));
+    EXPECT_EQ("document refused: " + std::string(GetParam().m_reason), taken(details));
+}
+INSTANTIATE_TEST_SUITE_P(Documents, KRYStartDocument, testing::ValuesIn(s_starts), RowName());
+
+TEST_P(KRYSetUpDocument, IsRefusedWithoutAnEffect)
+{
+    KRYTestSession session;
+    ASSERT_EQ(KRY_SUCCESS, session.sign());
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_SetInfo(session.m_session, GetParam().m_document, nullptr));
+    EXPECT_EQ(KRY_SUCCESS, session.protect("data"));
+    EXPECT_EQ("document refused: " + std::string(GetParam().m_reason), session.lastFailure());
+}
+INSTANTIATE_TEST_SUITE_P(Documents, KRYSetUpDocument, testing::ValuesIn(s_setUps), RowName());
+
+TEST(KRYServiceID, HasAtMost255Bytes)
 {
     std::string text;
-    for (auto const& [content, reason] : s_startCases)
-    {
-        EXPECT_EQ(KRY_ERROR_DOCUMENT, start(content, &text)) << content;
-        EXPECT_EQ("document refused: " + std::string(reason), text) << content;
-    }
-    EXPECT_EQ(KRY_ERROR_DOCUMENT, start(element("serviceID", std::string(256, 'x'))));
-    for (char const* const document :
-         {static_cast<char const*>(nullptr), "",
-          "<terminateDocument><serviceID>S</serviceID></terminateDocument>",
-          "<?xml version=\"1.1\"?><initializeDocument><serviceID>S</serviceID></initializeDocument>"})
-        EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_CryptoInitialize(document, nullptr, nullptr));
-}
-
-TEST_F(KRYStarted, RefusedSetUpsChangeNothing)
-{
-    KRYTestSession session("TALM");
-    EXPECT_EQ(KRY_ERROR_STATE, session.protect("data"));
-    EXPECT_EQ("the session is not set up to protect data", session.lastFailure());
-    ASSERT_EQ(KRY_SUCCESS, session.sign());
-    for (auto const& [content, reason] : s_setUpCases)
-    {
-        EXPECT_EQ(KRY_ERROR_DOCUMENT, session.setUp(content)) << content;
-        EXPECT_EQ(KRY_SUCCESS, session.protect("data"));
-        EXPECT_EQ("document refused: " + std::string(reason), session.lastFailure()) << content;
-    }
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, start(element("serviceID", std::string(256, 'x')), &text));
+    EXPECT_EQ("document refused: " + std::string(s_length), text);
 }
 
 TEST_F(KRYStarted, ServiceIDsAreASet)
 {
-    std::string const id = "<serviceID>B</serviceID>",
-                      document = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>" +
-                                 element("initializeDocument", id);
+    std::string const id = "<serviceID>B</serviceID>";
+    std::string const document =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>" + element("initializeDocument", id);
     EXPECT_EQ(KRY_SUCCESS, KRY_CryptoInitialize(document.c_str(), nullptr, nullptr));
     EXPECT_EQ(KRY_SUCCESS, start(id));
     KRYTestSession session;
     EXPECT_EQ(KRY_SUCCESS, stop(s_service));
-    EXPECT_EQ(KRY_SUCCESS, session.sign()) << "B is started still";
+    EXPECT_EQ(KRY_SUCCESS, session.sign()) << "B is still started";
     EXPECT_EQ(KRY_SUCCESS, stop(id));
     EXPECT_EQ(KRY_ERROR_SESSION, session.sign()) << "the last stop closes sessions";
     EXPECT_EQ(KRY_ERROR_STATE, stop(id));
@@ -76,4 +107,19 @@ TEST_F(KRYStarted, ServiceIDsAreASet)
     std::string const config = element("sessionConfigDocument", id);
     EXPECT_EQ(KRY_ERROR_STATE, KRY_PersistentInitialize(&late, config.c_str(), nullptr, nullptr));
     EXPECT_EQ(nullptr, late);
+}
+
+TEST_F(KRYStarted, ANullSessionTellsWhyTheLastStartFailed)
+{
+    auto const lastStartFailure = []
+    {
+        char* details = nullptr;
+        EXPECT_EQ(KRY_SUCCESS, KRY_CryptoGetLastErrorDetails(nullptr, nullptr, &details));
+        return taken(details);
+    };
+    std::string text;
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, start("", &text));
+    EXPECT_EQ(text, lastStartFailure());
+    EXPECT_EQ(KRY_SUCCESS, start(s_service));
+    EXPECT_EQ("", lastStartFailure());
 }

@@ -170,11 +170,69 @@ TEST_F(KRYEncryptedFile, TheEndAndErrorsOfReadingStay)
     }
 }
 
+TEST_F(KRYEncryptedFile, IsReadFromAnyPlace)
+{
+    std::string const plain = plainOf(2 * s_segment + 5);
+    seal(plain);
+    std::size_t const offsets[] = {1,           s_segment - 1, s_segment, 2 * s_segment, plain.size() - 1,
+                                   plain.size()};
+    for (std::size_t const offset : offsets)
+    {
+        SCOPED_TRACE(offset);
+        KRYTestSession session;
+        std::string out;
+        ASSERT_EQ(KRY_SUCCESS, session.decipher(m_path, std::to_string(offset)));
+        EXPECT_EQ(KRY_SUCCESS, session.readAll(out));
+        EXPECT_TRUE(plain.substr(offset) == out);
+    }
+    KRYTestSession session;
+    EXPECT_EQ(KRY_ERROR_ARGUMENT, session.decipher(m_path, std::to_string(plain.size() + 1)));
+    EXPECT_EQ(KRY_ERROR_STATE, session.unprotect()) << "the session has no set-up";
+}
+
+TEST_F(KRYEncryptedFile, ReadingInTheMiddleLooksAtNoOtherSegment)
+{
+    std::string sealed = seal(plainOf(3 * s_segment));
+    sealed[s_header] ^= 1;
+    sealed.back() ^= 1;
+    writeFile(m_path, sealed);
+    KRYTestSession session;
+    ASSERT_EQ(KRY_SUCCESS, session.decipher(m_path, std::to_string(s_segment)));
+    EXPECT_EQ(KRY_SUCCESS, session.unprotect());
+    EXPECT_EQ(KRY_ERROR_DAMAGED, session.unprotect());
+}
+
+TEST_F(KRYEncryptedFile, TellsItsSizeOnlyIfItIsWhole)
+{
+    KRYTestSession session;
+    for (std::size_t const size : s_sizes)
+    {
+        SCOPED_TRACE(size);
+        std::string const plain = plainOf(size);
+        std::string sealed = seal(plain), out;
+        ASSERT_EQ(KRY_SUCCESS, session.decipher(m_path));
+        EXPECT_EQ(KRY_SUCCESS, session.unprotect(1, &out));
+        EXPECT_EQ(std::to_string(size), session.getInfo("size"));
+        EXPECT_EQ(KRY_SUCCESS, session.readAll(out));
+        EXPECT_TRUE(plain == out) << "asking moves nothing";
+
+        sealed.resize(sealed.size() > s_header + s_sealedSegment ? s_header + s_sealedSegment : s_header);
+        writeFile(m_path, sealed);
+        ASSERT_EQ(KRY_SUCCESS, session.decipher(m_path));
+        EXPECT_EQ("", session.getInfo("size"));
+        EXPECT_EQ(
+            "the encrypted file is " +
+                std::string(sealed.size() == s_header ? "cut off" : "damaged or belongs to another service"),
+            session.lastFailure());
+    }
+}
+
 TEST_F(KRYEncryptedFile, NamesAreTakenRaw)
 {
     CurrentFolder const current(m_folder.path());
-    for (char const* const name : {"a&amp;b<c>\"'", "\xff\xfe\n", "</fileOutput>",
-                                   "x</fileOutput><action>CSKHMAC<", "x</fileInput><fileInput>"})
+    for (char const* const name :
+         {"a&amp;b<c>\"'", "\xff\xfe\n", "</fileOutput>", "x</fileOutput><action>CSKHMAC<",
+          "x</fileInput><fileInput>", "x</fileInput><offset>1<"})
     {
         m_path = name;
         fs::create_directories(fs::absolute(m_path).parent_path());  // the "/" of an end tag ends a folder

@@ -21,9 +21,8 @@ Statuses statusesFor(void* token)
         KRY_GetInfo(token, name, &text, nullptr),
         KRY_ProtectData(token, "", 0, &text, &size, nullptr),
         KRY_UnprotectData(token, nullptr, 0, &text, &size, nullptr),
-        KRY_CryptoGetLastErrorDetails(token, nullptr, &details),
-        KRY_CloseHandle(&token, nullptr, nullptr)};
-    taken(details);
+        KRY_CloseHandle(&token, nullptr, nullptr),
+        token ? KRY_CryptoGetLastErrorDetails(token, nullptr, &details) : KRY_ERROR_SESSION};
     return statuses;
 }
 }  // namespace

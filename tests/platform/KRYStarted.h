@@ -76,9 +76,10 @@ struct KRYTestSession
     {
         return setUp("<action>CipherStream</action>" + element("fileOutput", path));
     }
-    std::int32_t decipher(std::string const& path)
+    std::int32_t decipher(std::string const& path, std::string const& offset = "")
     {
-        return setUp("<action>DecipherStream</action>" + element("fileInput", path));
+        return setUp("<action>DecipherStream</action>" + element("fileInput", path) +
+                     (offset.empty() ? "" : element("offset", offset)));
     }
     std::int32_t closingDocument() { return setUp("<dataLocation>file</dataLocation>"); }
     std::int32_t finish() { return closingDocument() == KRY_SUCCESS ? protect("") : KRY_ERROR_INTERNAL; }
@@ -87,6 +88,11 @@ struct KRYTestSession
     {
         std::uint32_t count = 7;
         return transfer(KRY_ProtectData, data, count, out);
+    }
+    // Appends the next bytes to out.
+    std::int32_t unprotect(std::uint32_t wanted = 0, std::string* out = nullptr)
+    {
+        return transfer(KRY_UnprotectData, {}, wanted, out);
     }
     // Appends all the rest to out, at most wanted bytes at once: success for a clean end.
     std::int32_t readAll(std::string& out, std::uint32_t wanted = 0)
@@ -109,6 +115,12 @@ struct KRYTestSession
         return status;
     }
 
+    std::string getInfo(std::string name)
+    {
+        char* text = nullptr;
+        KRY_GetInfo(m_session, name.data(), &text, nullptr);
+        return taken(text);
+    }
     std::string lastFailure()
     {
         char* details = nullptr;
