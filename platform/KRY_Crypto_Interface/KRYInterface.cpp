@@ -18,7 +18,7 @@ void KRYInterface::start(char const* document)
 {
     std::lock_guard<std::mutex> const guard(m_lock);
     m_startFailure.watch([&] { startService(document); });
-    m_startFailure = {};
+    m_startFailure.clear();
 }
 
 void KRYInterface::startService(char const* document)

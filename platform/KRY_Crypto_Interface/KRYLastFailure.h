@@ -25,6 +25,9 @@ public:
         }
     }
 
+    // Frees the text too.
+    void clear() noexcept { std::string().swap(m_text); }
+
     // Empty if there was no failure, or no memory to keep its reason.
     std::string const& getText() const { return m_text; }
 
