@@ -14,7 +14,7 @@ namespace
 int constexpr s_currentDirectorySize = 261;  // the terminator included
 std::size_t constexpr s_drivePrefixSize = 2;
 
-// Plain char may be negative, which the character classes don't take.
+// For isalpha and the like, which take no negative values.
 int toByte(char c)
 {
     return static_cast<unsigned char>(c);
@@ -51,15 +51,14 @@ bool ARXFmDir::isEquivalentPath(char const* path1, char const* path2)
 {
     NEB_ASSERT(path1 && path2);
     std::uint64_t const offset = findDifferentiatingPathOffset(path1, path2);
-    // Equal only where both end: the walk steps over whatever else is.
-    return path1[offset] == path2[offset];
+    return path1[offset] == path2[offset];  // true only where both end
 }
 
 std::uint64_t ARXFmDir::findDifferentiatingPathOffset(char const* path1, char const* path2)
 {
     NEB_ASSERT(path1 && path2);
     std::uint64_t offset = 0;
-    // Two terminators are equivalent too, so the end of path1 needs a test; that of path2 fits no byte.
+    // path2 needs no test: its terminator is equivalent to nothing but that of path1.
     while (path1[offset] != '\0' && isEquivalentPathChar(path1[offset], path2[offset]))
         ++offset;
     return offset;
@@ -124,9 +123,11 @@ void ARXFmDir::getPathTail(std::string& out, char const* base, char const* fullP
         makePathSlashTerminated(directory);
         offset = findDifferentiatingPathOffset(directory.c_str(), fullPath);
     }
-    std::string tail = fullPath + offset;  // base or fullPath may be the storage of out
+    std::string tail;  // base or fullPath may be the storage of out
     if (offset == 0)
-        NEBFmDir::splitPath(tail, nullptr, &tail);
+        NEBFmDir::splitPath(fullPath, nullptr, &tail);
+    else
+        tail = fullPath + offset;
     out = std::move(tail);
 }
 
@@ -145,7 +146,7 @@ void ARXFmDir::splitPathIntoParts(std::string const& path, ARXFmDirPathParts& pa
         parts.m_drive = {static_cast<char>(std::tolower(toByte(path[0]))), ':'};
         rest.remove_prefix(s_drivePrefixSize);
     }
-    // From the right, on views of path: a copy of the rest for each element would cost the length squared.
+    // Views, because a copy of the rest for each element would take quadratic time.
     while (!rest.empty())
     {
         std::string_view head;

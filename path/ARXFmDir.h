@@ -1,12 +1,20 @@
 // One grammar of paths as text, the same on every platform.
 //
-// A path is a row of bytes in no particular encoding. / and \ are both separators and equivalent; case
-// counts. A letter, by isalpha, and ":" in front are a drive prefix, and a path is absolute if a separator
-// stands first or right behind that prefix: "C:x" is relative, "//s/x" is absolute and nothing more. Only
-// isFile looks at the disk and only the getAbsolutePath without a pwd at the current directory.
+// A path is a sequence of bytes in any encoding. "/" and "\" are both separators and equivalent; case counts.
+// A letter (by std::isalpha) followed by ":" at the start is a drive prefix. A path is absolute if a
+// separator comes first or right after the drive prefix: "C:x" is relative, and "//s/x" is an absolute path
+// like "/s/x". Lengths and offsets are bytes. Only isFile looks at the disk, and only getAbsolutePath without
+// a pwd asks for the current directory.
 //
-// Misuse raises NEBAssertError before any out string is touched. There is no state: any number of threads may
-// call. An out string may be the storage of an argument.
+// Misuse raises NEBAssertError before an out string is touched. The operations have no state: any number of
+// threads may call them. An out string may be the storage of an argument.
+//
+// Example:
+//     std::string path;
+//     ARXFmDir::getAbsolutePath("C:/data", "reports\\.\\2007\\", path);  // "C:/data/reports\.\2007\"
+//     ARXFmDir::getNormalizedPath(path, path);                           // "c:/data/reports/2007"
+//     std::string tail;
+//     ARXFmDir::getPathTail(tail, "c:/data", path.c_str());              // "reports/2007"
 
 #ifndef ARXIUM_PATH_ARXFMDIR_H
 #define ARXIUM_PATH_ARXFMDIR_H
@@ -21,36 +29,37 @@
 class ARXIUM_API ARXFmDir
 {
 public:
-    // A path in elements. An object belongs to one thread at a time. The operations that resolve "." and ".."
-    // expect removeCurrentDir first, since a "." would shield the name before it from a "..".
+    // A path as a list of elements. An object belongs to one thread at a time.
     class ARXIUM_API ARXFmDirPathParts
     {
     public:
         ARXFmDirPathParts();
         ~ARXFmDirPathParts();
 
-        // Whether the element is "/". The root "\" is none to this test, and so has no protection from "..".
+        // Whether the element is "/". The root "\" does not count, so ".." can remove it.
         bool isRoot(std::list<std::string>::iterator iter);
-        // Whether the element is a ".." with something other than ".." before it, be it the root.
+        // Whether the element is "..", has an element before it, and that one is not "..".
         bool shouldParentDirectoryBeRemoved(std::list<std::string>::iterator iter);
 
+        // Removes every ".".
         void removeCurrentDir();
-        // Takes each ".." away with the name before it; the ones without a name stay. A ".." that would take
-        // away the root "/" is a failed assertion.
+        // Removes each ".." together with the element before it. A ".." with no element or another ".."
+        // before it stays; one after the root "/" raises NEBAssertError. Call removeCurrentDir first: ".."
+        // removes the preceding element, which must be a name.
         void removeParentDir();
-        // Replaces out by the drive prefix and the elements, joined as NEBFmDir::joinPath does.
+        // Replaces out by the drive prefix and the elements, joined as NEBFmDir::joinPath joins them.
         void getPath(std::string& out) const;
 
         std::string m_drive;  // empty, or the letter in lower case and ":"
-        // In path order, none empty and none holding a separator but the root, which is one separator, as the
-        // path spells it, and can only stand first.
+        // In path order. No element is empty. Only the first can be a separator: the root as the path spells
+        // it.
         std::list<std::string> m_parts;
     };
 
     ARXFmDir();
     virtual ~ARXFmDir();
 
-    // Whether path names a regular file, or a link to one.
+    // Whether path names a regular file or a link to one.
     virtual bool isFile(char const* path) const;
 
     static bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
@@ -58,43 +67,46 @@ public:
     static bool isAbsolutePath(char const* path);
 
     static bool isEquivalentPathChar(char a, char b);
-    // Whether the texts are equal but for the kind of their separators; "a//b" and "a/b" are not.
+    // Whether the texts are equal except for the kind of their separators. "a//b" and "a/b" are not.
     static bool isEquivalentPath(char const* path1, char const* path2);
-    // The length in bytes of the longest common prefix, which may end within an element.
+    // The length of the longest common prefix, which may end in the middle of an element.
     static std::uint64_t findDifferentiatingPathOffset(char const* path1, char const* path2);
-    // Turns every \ into /.
+    // Replaces every "\" by "/".
     static void normalizePathSeparator(std::string& path);
 
-    // The canonical form: the drive letter in lower case, only /, no "." elements, ".." resolved as far as
-    // the text allows, no doubled or closing separators; "." where nothing is left. Empty paths and a ".."
-    // above the root "/" fail. Needs no look at the disk, and so takes no account of links. "./C:/x" gives
-    // "C:/x", whose first name would be a drive the next time.
+    // The canonical form: drive letter in lower case, only "/", no ".", no doubled or trailing separators,
+    // and
+    // ".." resolved as far as the text allows; "." if nothing is left. An empty path and a ".." above the
+    // root
+    // "/" raise NEBAssertError. Links are not followed. The result is its own canonical form, with one
+    // exception: "./C:/x" gives "C:/x", which now has a drive prefix.
     static void getNormalizedPath(std::string const& path, std::string& out);
 
-    // Puts path under pwd, unless it is absolute; nothing is normalised. A relative path with a drive prefix
-    // must name the drive of pwd, if that has one, and loses the prefix.
+    // Puts path under pwd unless path is absolute; nothing is normalised. If both have a drive prefix, path
+    // loses its own, and a relative path for another drive raises NEBAssertError.
     static void getAbsolutePath(char const* pwd, char const* path, std::string& out);
-    // The same with the current directory, which must be readable and at most 260 bytes long.
+    // The same under the current directory, which must be readable and have at most 260 bytes.
     static void getAbsolutePath(char const* path, std::string& out);
 
-    // The rest of fullPath behind its longest common prefix with the directory base, however short: "/x/y"
-    // makes "a/b" of "/a/b". Without a base (null or empty) or a common byte, it is the last element.
+    // Removes from fullPath the longest common prefix with the directory base, however short: base "/x/y"
+    // leaves "a/b" of "/a/b". If base is null or empty, or not even the first byte agrees, out is the last
+    // element of fullPath.
     static void getPathTail(std::string& out, char const* base, char const* fullPath);
-    // Adds "/" unless path is empty or ends in a separator.
+    // Appends "/" unless path is empty or ends in a separator.
     static void makePathSlashTerminated(std::string& path);
 
 protected:
-    // Fills parts, which must be fresh.
+    // Fills parts, which must be new.
     static void splitPathIntoParts(std::string const& path, ARXFmDirPathParts& parts);
 
 private:
-    friend struct ARXFmDirSteps;  // the tests' way to the steps below
+    friend struct ARXFmDirSteps;  // lets tests call the steps below
 
-    // One step from the right: path loses its closing separators; tail is what stands behind its last
-    // separator, and head what stands before it, again without closing separators. Both look into path's
-    // text. path, head and tail of a root are the root, the root and nothing.
+    // One step from the right: path loses its trailing separators, tail is what follows its last separator,
+    // and head is what precedes it, without trailing separators. All are views of path's text. If path is a
+    // root, head is the root and tail is empty.
     static void mySplitPath(std::string_view& path, std::string_view& head, std::string_view& tail);
-    // A lone separator stays.
+    // A path that is one separator stays.
     static void removeTrailingDirectorySeparator(std::string_view& path);
 };
 

@@ -51,15 +51,9 @@ void ARXFmDir::ARXFmDirPathParts::removeParentDir()
 
 void ARXFmDir::ARXFmDirPathParts::getPath(std::string& out) const
 {
-    // Room for all at once: growing step by step would cost several allocations.
-    std::size_t size = m_drive.size();
-    for (std::string const& part : m_parts)
-        size += part.size() + 1;
-
     std::string path;
-    path.reserve(size);
     for (std::string const& part : m_parts)
         NEBFmDir::joinPath(path, part);
-    path.insert(0, m_drive);  // only now: a drive in front would gain a separator
+    path.insert(0, m_drive);  // not joined: "c:" would get a separator
     out = std::move(path);
 }

@@ -16,43 +16,15 @@ namespace
 {
 std::size_t constexpr s_unitSize = sizeof(unsigned short);
 
-struct UnitText
-{
-    explicit UnitText(unsigned short unit) : m_units{unit, 0} {}
-
-    unsigned short m_units[2];
-};
-
-using UnitBlock = unsigned short __attribute__((vector_size(16), may_alias));
-
-bool hasZero(UnitBlock block)
-{
-    auto const zeros = block == 0;
-    std::uint64_t halves[2];
-    std::memcpy(halves, &zeros, sizeof halves);
-    return (halves[0] | halves[1]) != 0;
-}
-
-// Aligned blocks halve the time of long texts. The last one may reach behind the terminator, but never into
-// another page; sanitizers can't know that. A text at an odd address is never aligned and goes unit by unit.
-__attribute__((no_sanitize("address", "thread"))) unsigned short const* findTerminator(
-    unsigned short const* text)
-{
-    for (; reinterpret_cast<std::uintptr_t>(text) % sizeof(UnitBlock) != 0; ++text)
-        if (*text == 0)
-            return text;
-    while (!hasZero(*reinterpret_cast<UnitBlock const*>(text)))
-        text += sizeof(UnitBlock) / s_unitSize;
-    while (*text != 0)
-        ++text;
-    return text;
-}
-
+// The size in bytes with the terminator; 0 for no text.
 std::uint64_t sizeOf(unsigned short const* text)
 {
     if (!text || *text == 0)
         return 0;
-    return static_cast<std::uint64_t>(findTerminator(text) - text + 1) * s_unitSize;
+    std::uint64_t units = 1;
+    while (text[units] != 0)
+        ++units;
+    return (units + 1) * s_unitSize;
 }
 
 std::uint64_t sizeOf(I18NString const& text)
@@ -60,59 +32,24 @@ std::uint64_t sizeOf(I18NString const& text)
     return static_cast<std::uint64_t>(text.size());
 }
 
-// Both ends are read before either is written, so target and source may overlap.
-template <typename Block>
-void moveEnds(unsigned char* target, unsigned char const* source, std::uint64_t size)
-{
-    Block first;
-    Block last;
-    std::memcpy(&first, source, sizeof first);
-    std::memcpy(&last, source + size - sizeof last, sizeof last);
-    std::memcpy(target, &first, sizeof first);
-    std::memcpy(target + size - sizeof last, &last, sizeof last);
-}
-
-struct Block16
-{
-    std::uint64_t m_words[2];
-};
-
-// For what fits the object. Without calls, appending a short text takes half the time.
-inline void moveShort(unsigned char* target, unsigned char const* source, std::uint64_t size)
-{
-    if (size >= sizeof(Block16))
-        moveEnds<Block16>(target, source, size);
-    else if (size >= sizeof(std::uint64_t))
-        moveEnds<std::uint64_t>(target, source, size);
-    else if (size >= sizeof(std::uint32_t))
-        moveEnds<std::uint32_t>(target, source, size);
-    else if (size != 0)
-        moveEnds<unsigned short>(target, source, size);
-}
-
+// The ranges may overlap.
 void moveBytes(unsigned char* target, void const* source, std::uint64_t size)
 {
-    if (size > 2 * sizeof(Block16))
+    if (size != 0)  // memmove takes no null pointer
         std::memmove(target, source, size);
-    else
-        moveShort(target, static_cast<unsigned char const*>(source), size);
 }
 
-// The checksum of a folded copy, piece by piece, is that of one folded byte after the other in less than half
-// the time. glibc's table behind tolower halves it again; it leaves alone what isupper doesn't know.
+// Folded and summed piece by piece: one checksum call for each byte would cost half as much again.
 std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
 {
-    std::int32_t const* const lower = *__ctype_tolower_loc();
     std::uint32_t crc = 0;
     unsigned char folded[256];
-    while (size != 0)
+    for (std::uint64_t done = 0; done < size; done += sizeof folded)
     {
-        std::uint64_t const count = std::min<std::uint64_t>(size, sizeof folded);
-        std::transform(bytes, bytes + count, folded,
-                       [lower](unsigned char byte) { return static_cast<unsigned char>(lower[byte]); });
+        std::uint64_t const count = std::min<std::uint64_t>(size - done, sizeof folded);
+        std::transform(bytes + done, bytes + done + count, folded,
+                       [](unsigned char byte) { return static_cast<unsigned char>(std::tolower(byte)); });
         crc = NEBUtCrc32::crc32(crc, folded, count);
-        bytes += count;
-        size -= count;
     }
     return crc;
 }
@@ -125,23 +62,28 @@ ARNEBI18NBuffer::ARNEBI18NBuffer() : m_buffer(nullptr), m_capacity(0), m_size(0)
 
 ARNEBI18NBuffer::ARNEBI18NBuffer(ARNEBI18NBuffer const& other) : ARNEBI18NBuffer()
 {
-    assign(other.m_buffer, other.m_size);
+    *this = other;
 }
 
 ARNEBI18NBuffer::ARNEBI18NBuffer(I18NString const& text) : ARNEBI18NBuffer()
 {
-    assign(text.getExternalBuffer(), sizeOf(text));
+    *this = text;
 }
 
 ARNEBI18NBuffer::ARNEBI18NBuffer(unsigned short const* text) : ARNEBI18NBuffer()
 {
-    assign(text, sizeOf(text));
+    *this = text;
 }
 
 ARNEBI18NBuffer::ARNEBI18NBuffer(unsigned short const& unit) : ARNEBI18NBuffer()
 {
-    UnitText const text(unit);
-    assign(text.m_units, sizeof text.m_units);
+    *this = unit;
+}
+
+ARNEBI18NBuffer::~ARNEBI18NBuffer()
+{
+    if (hasBlock())
+        delete[] m_buffer;
 }
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(ARNEBI18NBuffer const& other)
@@ -161,8 +103,8 @@ ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(unsigned short const* text)
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(unsigned short const& unit)
 {
-    UnitText const text(unit);
-    return assign(text.m_units, sizeof text.m_units);
+    unsigned short const text[] = {unit, 0};
+    return assign(text, sizeof text);
 }
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(ARNEBI18NBuffer const& other)
@@ -182,8 +124,8 @@ ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(unsigned short const* text)
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(unsigned short const& unit)
 {
-    UnitText const text(unit);
-    return append(text.m_units, sizeof text.m_units);
+    unsigned short const text[] = {unit, 0};
+    return append(text, sizeof text);
 }
 
 I18NString ARNEBI18NBuffer::getString() const
@@ -214,14 +156,14 @@ std::uint32_t ARNEBI18NBuffer::getCrc() const
 std::uint32_t ARNEBI18NBuffer::getCssCrc() const
 {
     if (m_cssCrc == 0 && m_size != 0 && m_buffer)
-    {
         m_cssCrc = foldedCrc(m_buffer, m_size);
-    }
     return m_cssCrc;
 }
 
 bool ARNEBI18NBuffer::operator==(ARNEBI18NBuffer const& other) const
 {
+    if (this == &other)
+        return true;  // also without the block that createBuffer couldn't have
     return m_size == other.m_size && (m_size == 0 || std::memcmp(m_buffer, other.m_buffer, m_size) == 0);
 }
 
@@ -299,34 +241,21 @@ bool ARNEBI18NBuffer::comparesWith(ARNEBI18NBuffer const& other) const
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::assign(void const* source, std::uint64_t size)
 {
-    // A text in our own storage always fits it, so that it is still whole when it is moved.
+    // A source in our own storage fits it, so that it is still whole when it is moved.
     if (!m_buffer || size > m_capacity)
     {
         clear();
         createBuffer(size);
     }
     moveBytes(m_buffer, source, size);
-    if (size == 0 || hasBlock())
-        m_inlineBuffer[0] = 0;
     reset();
     m_size = size;
+    if (size == 0 || hasBlock())
+        m_inlineBuffer[0] = 0;
     return *this;
 }
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::append(void const* source, std::uint64_t size)
-{
-    std::uint64_t const kept = getDataSize();
-    std::uint64_t const total = kept + size;
-    if (size == 0 || kept == 0 || hasBlock() || total > sizeof m_inlineBuffer)
-        return appendElsewhere(source, size);
-
-    moveShort(m_buffer + kept, static_cast<unsigned char const*>(source), size);
-    reset();
-    m_capacity = m_size = total;
-    return *this;
-}
-
-ARNEBI18NBuffer& ARNEBI18NBuffer::appendElsewhere(void const* source, std::uint64_t size)
 {
     std::uint64_t const kept = getDataSize();
     if (size == 0 || kept == 0)

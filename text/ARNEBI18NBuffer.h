@@ -1,14 +1,21 @@
-// UTF-16 text as one block of bytes with its terminator, for comparing, checksums, appending and handing on
-// as memory.
+// UTF-16 text with its terminator as one block of bytes, for comparing, appending, checksums and use as
+// memory.
 //
-// Texts of up to 15 code units lie inside the object, longer ones in one heap block of exactly the size
-// needed. Sizes are bytes, terminator included, unless they say otherwise. A code unit is in the byte order
-// of the machine, and surrogates get no special treatment. No content at all (the empty buffer) differs from
-// content of no code units, a lone terminator as truncate(0) leaves it: they aren't equal, and only the first
-// is empty().
+// Texts of up to 15 code units lie inside the object; a longer one owns a heap block of exactly its size.
+// Sizes are bytes with the two-byte terminator, unless stated otherwise. Code units are in the byte order of
+// the machine, and surrogates get no special treatment. The empty buffer, which holds nothing, differs from a
+// buffer that holds only a terminator, as after truncate(0): they are not equal, and only the first is
+// empty().
 //
-// An object serves one thread at a time, for constant operations too, since the checksums are kept when first
-// asked for. Without memory NEBOutOfMemoryError leaves; the buffer is then empty and usable.
+// An object serves one thread at a time, constant operations included: checksums are kept when first
+// computed. Without memory NEBOutOfMemoryError is raised, and the buffer is then empty and usable.
+//
+// Example:
+//     #include "NEBCore/I18NString.h"
+//     ARNEBI18NBuffer style(I18NString("H1 { color: RED }"));
+//     ARNEBI18NBuffer const other(I18NString("h1 { color: red }"));
+//     if (style.getCssCrc() == other.getCssCrc())  // true: case does not count
+//         style += other;                          // 34 code units, so style.getSize() is 70
 
 #ifndef ARXIUM_TEXT_ARNEBI18NBUFFER_H
 #define ARXIUM_TEXT_ARNEBI18NBUFFER_H
@@ -23,29 +30,24 @@ class I18NString;
 class ARXIUM_API ARNEBI18NBuffer
 {
 public:
-    // The empty buffer, as a null or empty array gives it too; an empty I18NString gives its lone terminator.
-    // An array ends at its first 0; one code unit becomes content even if it is 0. Sources are copied and may
-    // lie in this buffer itself, here and in += below.
+    // Sources are copied and may lie in this buffer, here and in += below. An array ends at its first 0; a
+    // null or empty one gives the empty buffer. An empty I18NString gives its terminator. A single code unit
+    // becomes content even if it is 0.
     ARNEBI18NBuffer();
     ARNEBI18NBuffer(ARNEBI18NBuffer const& other);
     ARNEBI18NBuffer(I18NString const& text);
     ARNEBI18NBuffer(unsigned short const* text);
     ARNEBI18NBuffer(unsigned short const& unit);
-    // Inline: a call would cost a short value a fifth of its time.
-    virtual ~ARNEBI18NBuffer()
-    {
-        if (hasBlock())
-            delete[] m_buffer;
-    }
+    virtual ~ARNEBI18NBuffer();
 
-    // Keeps the storage where the new content fits it.
+    // Keeps the storage if the new content fits it.
     ARNEBI18NBuffer& operator=(ARNEBI18NBuffer const& other);
     ARNEBI18NBuffer& operator=(I18NString const& text);
     ARNEBI18NBuffer& operator=(unsigned short const* text);
     ARNEBI18NBuffer& operator=(unsigned short const& unit);
 
-    // Content gets a new block of exactly the new size, or the object's own 32 bytes where the sum fits them.
-    // An empty source changes nothing.
+    // Each append beyond 15 code units takes a new block of exactly the new size, so building a text unit by
+    // unit takes quadratic time. An empty source changes nothing.
     ARNEBI18NBuffer& operator+=(ARNEBI18NBuffer const& other);
     ARNEBI18NBuffer& operator+=(I18NString const& text);
     ARNEBI18NBuffer& operator+=(unsigned short const* text);
@@ -54,22 +56,22 @@ public:
     std::uint64_t getSize() const { return m_size; }
     // Without the terminator.
     std::uint64_t getDataSize() const { return m_size == 0 ? 0 : m_size - sizeof(unsigned short); }
-    // Code units, whatever the name says.
+    // Code units without the terminator; not code points, in spite of the name.
     std::uint64_t getCodepoints() const { return getDataSize() / sizeof(unsigned short); }
     bool empty() const { return m_size == 0; }
-    // Terminated also when the buffer is empty; valid until the buffer is changed.
+    // Always terminated. Owned by the buffer and valid until its next change.
     void const* getBuffer() const
     {
         return m_size == 0 ? m_inlineBuffer : static_cast<void const*>(m_buffer);
     }
-    // NEBException leaves for a size over 31 bits, from the second form over 32 bits.
+    // NEBException is raised for a size above 31 bits, by the second form above 32 bits.
     I18NString getString() const;
     void getString(I18NString& text) const;
 
-    // CRC-32 of all bytes by NEBUtCrc32, worked out once while the content stands; 0 for the empty buffer.
+    // CRC-32 (RFC 1952, section 8) of all bytes; 0 for the empty buffer.
     std::uint32_t getCrc() const;
-    // The same over the bytes folded to lower case, one by one: half a code unit that looks like a capital is
-    // folded as well, so texts that differ only in the case of ASCII letters agree, and some others do.
+    // The same after std::tolower of each byte in the locale of the process. Texts that differ only in the
+    // case of ASCII letters agree. Others can too, because half a code unit may look like a letter.
     std::uint32_t getCssCrc() const;
 
     bool operator==(ARNEBI18NBuffer const& other) const;
@@ -79,22 +81,22 @@ public:
     // Compares checksums, not text.
     bool operator==(unsigned int crc) const { return getCrc() == crc; }
     bool operator!=(unsigned int crc) const { return !(*this == crc); }
-    // False where one of the two has no code units.
+    // False if either has no code units.
     bool startsWith(ARNEBI18NBuffer const& other) const;
     bool endsWith(ARNEBI18NBuffer const& other) const;
 
     // The storage stays.
     void clear();
-    // Sets up that many bytes in a buffer that has had no storage yet, which saves the next assignment or
-    // append one allocation.
+    // Sets up storage of that many bytes if the buffer has none yet. It saves the next assignment or append
+    // its allocation.
     void reserve(std::uint64_t bytes);
     // Cuts to that many code units; never lengthens. The storage stays.
     void truncate(std::uint64_t units);
 
 protected:
-    // Forgets the content without touching the object's own 32 bytes.
+    // As clear, but leaves the object's own 32 bytes alone.
     void reset();
-    // Makes room for that many bytes, the content being lost if they don't fit.
+    // Makes room for that many bytes. If they don't fit the storage, its content is lost.
     void createBuffer(std::uint64_t bytes);
 
 private:
@@ -102,17 +104,16 @@ private:
     bool comparesWith(ARNEBI18NBuffer const& other) const;
     ARNEBI18NBuffer& assign(void const* source, std::uint64_t size);
     ARNEBI18NBuffer& append(void const* source, std::uint64_t size);
-    [[gnu::noinline]] ARNEBI18NBuffer& appendElsewhere(void const* source, std::uint64_t size);
 
     unsigned short m_inlineBuffer[16];  // starts with 0 when the buffer is empty
-    unsigned char* m_buffer;            // null, m_inlineBuffer or a block of our own
-    std::uint64_t m_capacity;  // what m_buffer was last set up for; stays when a block couldn't be had
+    unsigned char* m_buffer;            // null, m_inlineBuffer or a block that this object owns
+    std::uint64_t m_capacity;           // what createBuffer was last asked for, also if it failed
     std::uint64_t m_size;
-    mutable std::uint32_t m_crc;     // 0 for not known
-    mutable std::uint32_t m_cssCrc;  // 0 for not known
+    mutable std::uint32_t m_crc;     // 0 means not known
+    mutable std::uint32_t m_cssCrc;  // 0 means not known
 };
 
-// Writes the text as I18NString is written, in UTF-8.
+// Writes the text as I18NString writes it, in UTF-8.
 ARXIUM_API std::ostream& operator<<(std::ostream& stream, ARNEBI18NBuffer const& buffer);
 ARXIUM_API std::ostream& operator<<(std::ostream& stream, ARNEBI18NBuffer& buffer);
 

@@ -4,10 +4,10 @@
 
 namespace
 {
-std::uint64_t constexpr s_nanoseconds = 1000000000;                    // of a second
+std::uint64_t constexpr s_nanoseconds = 1000000000;                    // in a second
 std::uint64_t constexpr s_longestDirect = UINT64_MAX / s_nanoseconds;  // ticks
 
-// Results aren't looked at: what fails costs only this reading's processor, and a mask of 0 changes nothing.
+// No result is checked: a failure costs only the pinning of this reading, and a mask of 0 changes nothing.
 std::uint64_t readPinned(std::uint64_t mask)
 {
     DWORD_PTR const former = SetThreadAffinityMask(GetCurrentThread(), mask);
@@ -40,8 +40,8 @@ void NEBUtHRTimer::initialize()
         return;
     m_frequency = static_cast<std::uint64_t>(frequency.QuadPart);
 
-    // The first readings on a processor are slow. Their difference is no adjustment: taken off an interval
-    // shorter than itself it would wrap around to a huge one.
+    // Warms up: the first readings on a processor are slow. Their difference is not used as m_adjustment,
+    // because a shorter interval less that difference would wrap to a huge one.
     readPinned(m_threadAffinityMask);
     readPinned(m_threadAffinityMask);
 }

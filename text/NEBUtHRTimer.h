@@ -1,10 +1,20 @@
 // Measures elapsed time in nanoseconds by the high-resolution counter.
 //
-// Every reading is made on the one processor chosen by initialize: the calling thread is moved there for
-// the length of the reading and then gets its own processors back. Nothing here raises; a timer that can't
-// measure answers 0. initialize and terminate belong at the start and the end of the host, while no timer
-// is in use. Between them any number of threads may use timers of their own; one timer serves one thread
-// at a time.
+// Every reading is made on the one processor that initialize chooses: the calling thread moves there for the
+// reading and then gets its own processors back. Time intervals of many microseconds: the move itself takes a
+// few. Nothing here raises; a timer that can't measure returns 0.
+//
+// Call initialize and terminate at the start and the end of the host, while no timer is in use; Arxium does
+// not call them. In between, any number of threads may use timers of their own. A timer serves one thread at
+// a time.
+//
+// Example:
+//     #include <iostream>
+//     NEBUtHRTimer::initialize();  // once
+//     NEBUtHRTimer timer;
+//     timer.start();
+//     timer.stop();
+//     std::cout << timer.getElapsed(false) << " ns";
 
 #ifndef ARXIUM_TEXT_NEBUTHRTIMER_H
 #define ARXIUM_TEXT_NEBUTHRTIMER_H
@@ -19,26 +29,27 @@ public:
     NEBUtHRTimer();
     virtual ~NEBUtHRTimer();
 
-    // Chooses the lowest processor that the process may use and asks for the counter's frequency, from
-    // scratch at each call. Where the system refuses one, timers answer 0 until a later call succeeds.
+    // Chooses the lowest processor that the process may use and reads the counter's frequency. Each call
+    // starts from scratch. If the system refuses one of them, timers return 0 until a later call succeeds.
     static void initialize();
-    // Timers answer 0 from here on.
+    // Makes timers return 0 until the next initialize.
     static void terminate();
 
+    // Restarts the timer in any state.
     void start();
-    // A stopped timer may be stopped again: its end moves on.
+    // May be called again, which moves the end of the interval.
     void stop();
-    // Nanoseconds from start to the last reading. take first takes that reading, which leaves the start as it
-    // was. Without take, a timer that was started but not stopped gives a meaningless large number.
+    // Nanoseconds between start and the last reading. With take, a reading is taken first, as by stop.
+    // Without take, a timer that was started but not stopped returns a large number without meaning.
     std::uint64_t getElapsed(bool take);
 
 private:
-    static std::uint64_t m_threadAffinityMask;  // one bit, or 0 for readings without a move
-    static std::uint64_t m_frequency;           // ticks a second; 0 while nothing can be measured
-    static std::uint64_t m_adjustment;          // ticks taken off each difference
+    static std::uint64_t m_threadAffinityMask;  // one bit; 0 means that threads are not moved
+    static std::uint64_t m_frequency;           // ticks a second; 0 means that nothing can be measured
+    static std::uint64_t m_adjustment;          // ticks subtracted from each interval
 
     std::uint64_t m_startTicks;
-    std::uint64_t m_stopTicks;  // 0 for no reading since start
+    std::uint64_t m_stopTicks;  // 0 means no reading since start
 };
 
 #endif

@@ -14,9 +14,9 @@
 
 namespace
 {
-std::size_t constexpr s_pieceUnits = 256;  // encoded in one go
+std::size_t constexpr s_pieceUnits = 256;
 
-// What a byte becomes. Four bytes in one piece, so that one store writes it.
+// What a byte becomes, in four bytes, so that one store writes it.
 struct ByteForm
 {
     char m_text[3];
@@ -52,34 +52,29 @@ constexpr ByteForms makeForms(bool keepAscii)
 ByteForms constexpr s_encodedForms = makeForms(false);
 ByteForms constexpr s_keptForms = makeForms(true);
 
-// Writes the whole form; the bytes behind its text are written over by the next.
+// Writes the whole form; the next one overwrites what follows its text. Byte by byte, and with the room
+// checked for each, long texts would take three times as long.
 char* put(char* target, ByteForm const& form)
 {
     std::memcpy(target, &form, sizeof form);
     return target + form.m_length;
 }
 
-char* putEscape(char* target, unsigned byte)
-{
-    put(target, s_encodedForms[byte]);
-    return target + 3;  // a constant, where the form's length would be one more load
-}
-
 // The UTF-8 bytes of one code unit from 0x80 up, a surrogate like any other.
 char* putWideUnit(char* target, unsigned unit)
 {
     if (unit < 0x800)
-        target = putEscape(target, 0xC0 | unit >> 6);
+        target = put(target, s_encodedForms[0xC0 | unit >> 6]);
     else
     {
-        target = putEscape(target, 0xE0 | unit >> 12);
-        target = putEscape(target, 0x80 | (unit >> 6 & 0x3F));
+        target = put(target, s_encodedForms[0xE0 | unit >> 12]);
+        target = put(target, s_encodedForms[0x80 | (unit >> 6 & 0x3F)]);
     }
-    return putEscape(target, 0x80 | (unit & 0x3F));
+    return put(target, s_encodedForms[0x80 | (unit & 0x3F)]);
 }
 
-// Gives the end of the text. target has room for nine bytes a unit and one more, which the last store
-// reaches.
+// Returns the end of the text. target has room for nine bytes a unit and one more, which the last store
+// writes.
 char* putUnits(char* target, char const* source, std::size_t units, ByteForms const& forms)
 {
     for (char const* const end = source + units * sizeof(std::uint16_t); source != end; source += 2)
@@ -131,7 +126,7 @@ void ARXHelper::urlEncode(void const* input, std::size_t size, NEBByteBuffer& ou
     output.reset();
     auto const* const source = static_cast<char const*>(input);
     ByteForms const& forms = keepAscii ? s_keptForms : s_encodedForms;
-    // By pieces: the room that their text might need is small beside that of the whole.
+    // In pieces, because room for the longest text of all units at once would be nine bytes a unit.
     for (std::size_t done = 0; done < units; done += s_pieceUnits)
     {
         std::size_t const piece = std::min(units - done, s_pieceUnits);

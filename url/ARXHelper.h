@@ -1,4 +1,15 @@
-// Text operations for URLs and command lines. Without state: any number of threads may call at once.
+// Text operations for URLs and command lines.
+//
+// The operations have no state: any number of threads may call them. The base path operations read the
+// configuration and raise what it raises.
+//
+// Example:
+//     #include "NEBCore/I18NString.h"
+//     #include "NEBCore/NEBByteBuffer.h"
+//     NEBByteBuffer query(256, 256);
+//     ARXHelper::urlEncode(I18NString("a b+c"), query, false);  // "a+b%2bc", not terminated
+//     I18NString url("https://files.example/app/gateway");
+//     ARXHelper::removeLastComponentFromUrl(url);               // "https://files.example/app/"
 
 #ifndef ARXIUM_URL_ARXHELPER_H
 #define ARXIUM_URL_ARXHELPER_H
@@ -16,31 +27,34 @@ public:
     ARXHelper();
     virtual ~ARXHelper();
 
-    // The bytes as Web64 text (RFC 4648, section 5, without padding), terminated. The caller releases it by
-    // delete[]. Without memory std::bad_alloc leaves.
+    // The bytes as terminated Web64 text: base64url without padding (RFC 4648, section 5). The caller
+    // releases it by delete[]. Without memory std::bad_alloc is raised.
     static char* createWeb64(NEBByteBuffer const& input);
 
-    // Replaces output by the percent encoding of UTF-16 code units, for the query part of a URL: letters,
-    // digits and ( ) * - . _ stay, a blank becomes "+", all else the escapes of its UTF-8 bytes, with small
-    // hexadecimal letters. The halves of a surrogate pair are escaped each on its own, three bytes a half.
-    // keepAscii leaves every unit below 0x80 as it is, line ends included.
+    // Replaces output by the percent-encoded text of UTF-16 code units, for the query of a URL (RFC 3986,
+    // with
+    // "+" for a blank as HTML forms have it). Letters, digits and ( ) * - . _ stay; all else becomes the
+    // escapes of its UTF-8 bytes in small hexadecimal digits. The two halves of a surrogate pair are escaped
+    // one by one, in three bytes each. With keepAscii every unit below 0x80 stays, CR and LF too: never put
+    // such a result in an HTTP header unchecked.
     //
-    // size is in bytes, an odd last one being ignored; input may be null if size is 0, else NEBAssertError is
-    // raised and output stays as it was. Without memory NEBOutOfMemoryError is raised.
+    // size is in bytes; an odd last byte is ignored. If size is not 0 and input is null, NEBAssertError is
+    // raised and output keeps what it holds. Without memory NEBOutOfMemoryError is raised.
     static void urlEncode(void const* input, std::size_t size, NEBByteBuffer& output, bool keepAscii);
     static void urlEncode(I18NString const& input, NEBByteBuffer& output, bool keepAscii);
 
-    // Cuts what stands behind the last "/". A text without "/", or with none but its first character, stays.
+    // Removes what follows the last "/". A text without "/", or whose only "/" comes first, stays.
     static void removeLastComponentFromUrl(I18NString& url);
 
-    // The three operations on base paths raise what the configuration raises.
-    // Puts the configured base path of the gateway in path, cut behind its last "/" if removeLastComponent.
+    // Replaces path by the setting "gatewayUrl", cut after its last "/" if removeLastComponent.
     static void getGatewayBasePath(I18NString& path, bool removeLastComponent);
     static void getBasePath(I18NString& path, bool removeLastComponent);  // the same
-    // Puts the configured base path of the external dispatcher in path.
+    // Replaces path by the setting "externalDispatcherUrl".
     static void getExternalDispatcherBasePath(I18NString& path);
 
-    // Turns every "/" into a backslash and puts each component that holds a blank in double quotes.
+    // Replaces every "/" by a backslash and puts each component that holds a blank in double quotes. This is
+    // no protection of a shell: quotes, "$", "&", ";" and all else stay as they are. Never pass the result of
+    // untrusted text to one.
     static void fixCommandPath(I18NString& path);
 };
 

@@ -39,7 +39,8 @@ char const* toText(I18NString const& text)
 {
     return text.c_str(nullptr, nullptr, nullptr, nullptr);
 }
-// Replaces url by a configured base path, or by nothing.
+
+// Replaces url by a configured base path, or empties it.
 void startUrl(std::string& url, bool useBasePath, void (*readBasePath)(I18NString&))
 {
     url.clear();
@@ -111,7 +112,7 @@ void ARXUriDispatchHelper::encryptHMAC(char const* data, std::size_t size, NEBBy
     char* outData = nullptr;
     std::size_t outSize = 0;
     std::int32_t const status = handle->protectData(data, size, &outData, &outSize, nullptr);
-    // Taken before the status is looked at, so that the digest is freed on the failing road as well.
+    // Guarded before the status is checked, so that the digest is freed after a failure too.
     ARXKRYDataPtr const digest(handle.get(), outData);
     NEB_ASSERT(KRY_SUCCEEDED(status));
     output.appendChars(digest.get(), outSize);

@@ -1,13 +1,22 @@
-// URLs for the byte serving of a stored file through a gateway or an external dispatcher.
+// Signed URLs for serving the bytes of a stored file through a gateway or an external dispatcher.
 //
-// A URL names the file by its last path component and carries two digests of the crypto interface: of that
-// name, and of the name followed by the caller's session id. Name and id are joined without a separator, so
-// ids should be of one fixed length, or begin with a character that no file name holds; the dispatcher id is
-// not signed.
+// A URL names the file by its last path component, without the folder, and carries two signatures (HMAC): k
+// of that name, and s of the name followed directly by the caller's session identifier. Begin every
+// identifier with
+// "/", which no file name holds, and never use an empty one: otherwise the signature of another name can be
+// the one that your session needs. docs/urls.md says why. The dispatcher id is not signed, and no signature
+// expires.
 //
-// Between the first start and the last stop of Arxium any number of threads may call at once. Failures raise
-// NEBAssertError, for a path without file name, a null session id or a refused digest, or what the crypto
-// handles and the configuration raise.
+// Names and identifiers are bytes in any encoding. Call between the first Arxium::initialize and the last
+// terminate, from any number of threads. NEBAssertError is raised for a path that ends in a separator, a null
+// identifier or a refused signature; what the crypto handles and the configuration raise passes through.
+//
+// Example:
+//     #include "frame/Arxium.h"
+//     Arxium::initialize();
+//     std::string url;  // becomes "?b_action=dc&f=cmVwb3J0LnBkZg&k=...&s=...&did=..."
+//     ARXUriDispatchHelper::genGatewayUrlForFile("/data/report.pdf", url, "/0123456789abcdef", false);
+//     Arxium::terminate();
 
 #ifndef ARXIUM_URL_ARXURIDISPATCHHELPER_H
 #define ARXIUM_URL_ARXURIDISPATCHHELPER_H
@@ -25,24 +34,25 @@ public:
     ARXUriDispatchHelper();
     virtual ~ARXUriDispatchHelper();
 
-    // Appends "?b_action=dc&f=NAME&k=DIGEST&s=SESSIONDIGEST&did=DISPATCHER" to url; the first three values
-    // are Web64 text, the last is the setting "dispatcherID" as it is. A failure leaves url as it was.
+    // Appends "?b_action=dc&f=NAME&k=SIGNATURE&s=SIGNATURE&did=DISPATCHER" to url. The first three values are
+    // Web64 text (RFC 4648, section 5, without padding); the last is the setting "dispatcherID" as it is. A
+    // failure leaves url unchanged.
     static void generateByteServingUrlFromBasePath(std::string const& path, char const* base64SessionID,
                                                    std::string& url);
 
-    // The same in place of what url holds, behind the gateway's base path if useBasePath. A failure leaves
-    // url empty or at the base path.
+    // Replaces url by the same, after the gateway's base path if useBasePath. A failure leaves url empty or
+    // at the base path.
     static void genGatewayUrlForFile(std::string const& path, std::string& url, char const* base64SessionID,
                                      bool useBasePath);
     // The same as genGatewayUrlForFile.
     static void genUrlForFile(std::string const& path, std::string& url, char const* base64SessionID,
                               bool useBasePath);
-    // With the external dispatcher's base path.
+    // As genGatewayUrlForFile, with the external dispatcher's base path.
     static void genExternalDispatcherUrlForFile(std::string const& path, std::string& url,
                                                 char const* base64SessionID, bool useBasePath);
 
 private:
-    // Replaces output by the digest of size bytes, at least one.
+    // Replaces output by the signature of size bytes, at least one.
     static void encryptHMAC(char const* data, std::size_t size, NEBByteBuffer& output);
 };
 

@@ -292,5 +292,7 @@ std::size_t I18NString::clamp(std::int32_t offset) const
 
 std::ostream& operator<<(std::ostream& stream, I18NString const& text)
 {
-    return stream << text.c_str();
+    std::uint16_t const* const units = text.getExternalBuffer();
+    std::size_t const count = static_cast<std::size_t>(text.size()) / sizeof *units - 1;
+    return stream << encodeUtf8({units, units + count});  // c_str would end at a zero unit
 }
