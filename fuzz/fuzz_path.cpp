@@ -6,7 +6,7 @@
 #include "NEBCore/NEBAssertError.h"
 #include "fuzz/Fuzz.h"
 #include "path/ARXFmDir.h"
-#include "path/PathModel.h"
+#include "fuzz/PathModel.h"
 
 namespace
 {

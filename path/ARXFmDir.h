@@ -100,8 +100,6 @@ protected:
     static void splitPathIntoParts(std::string const& path, ARXFmDirPathParts& parts);
 
 private:
-    friend struct ARXFmDirSteps;  // lets tests call the steps below
-
     // One step from the right: path loses its trailing separators, tail is what follows its last separator,
     // and head is what precedes it, without trailing separators. All are views of path's text. If path is a
     // root, head is the root and tail is empty.

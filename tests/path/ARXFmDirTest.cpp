@@ -1,195 +1,250 @@
 #include "path/ARXFmDir.h"
 
-#include <memory>
+#include <gmock/gmock.h>
 
-#include <gtest/gtest.h>
-
-#include "path/PathModel.h"
+#include "NEBCore/NEBAssertError.h"
+#include "NEBCore/NEBFmDir.h"
 #include "support/Raised.h"
+#include "support/Rows.h"
 #include "support/TemporaryFolder.h"
-#include "support/Words.h"
 
-// Befriended by ARXFmDir.
-struct ARXFmDirSteps : ARXFmDir
+// As a product's own may be: it does not allow that file is the storage of path.
+void NEBFmDir::splitPath(std::string const& path, std::string*, std::string* file)
 {
-    using ARXFmDir::splitPathIntoParts;
-    static auto constexpr split = &ARXFmDir::mySplitPath;
-};
+    file->clear();
+    file->append(path, path.find_last_of("/\\") + 1);
+}
 
 namespace
 {
-TEST(ARXFmDir, TellsDriveAndAbsolutePathsByTheFirstBytes)
+struct Steps : ARXFmDir
 {
-    // Rows of neither, of drive prefixes, of absolute paths and of both.
-    auto const rows = table(
-        "- C ab:c x/y ./x 1:/x :/ [:/ @:/ \xE4:/x, C: C:x c:x a:b, / \\ /x \\x //s/x \\\\s\\x, C:/ z:/ "
-        "c:\\x");
-    for (int kind = 0; kind < 4; ++kind)
-        for (std::string const& path : rows.at(static_cast<std::size_t>(kind)))
-            EXPECT_EQ(kind,
-                      ARXFmDir::hasDriveLetter(path.c_str()) + 2 * ARXFmDir::isAbsolutePath(path.c_str()));
+    using ARXFmDir::splitPathIntoParts;
+};
+
+TEST(ARXFmDirPrefix, IsALetterWithAColon)
+{
+    for (char const* path : {"C:", "a:b", "z:/"})
+        EXPECT_TRUE(ARXFmDir::hasDriveLetter(path)) << path;
+    for (char const* path : {"", "C", "ab:c", "1:/x", "@:/x", "[:/x", ":/x", "\xE4:/x"})
+        EXPECT_FALSE(ARXFmDir::hasDriveLetter(path)) << path;
 }
 
-TEST(ARXFmDir, ComparesBytesExactlyButForSeparatorsInEitherOrder)
+TEST(ARXFmDirAbsolute, BeginsWithASeparatorAfterTheDrive)
 {
-    // Two paths, and the offset at which they part; "=" where they are equivalent.
-    char const rows[] =
-        "- - 0=, - x 0, abc abc 3=, abc abcd 3, a/b a\\b 3=, a/b a/c 2, /a \\a\\b 2, A a 0, C:/a c:/a 0, "
-        "a/bc a/bd 3, a/b/ a/b 3, a//b a/b 2, ./a a 0, \xC3\xA4 \xC3\xB6 1";
-    for (Words row : table(rows))
-        for (int order = 0; order < 2; ++order, std::swap(row[0], row[1]))
-        {
-            char const *path1 = row[0].c_str(), *path2 = row[1].c_str();
-            std::string const offset = std::to_string(ARXFmDir::findDifferentiatingPathOffset(path1, path2));
-            EXPECT_EQ(row[2], offset + (ARXFmDir::isEquivalentPath(path1, path2) ? "=" : "")) << row[0];
-        }
-    EXPECT_TRUE(ARXFmDir::isEquivalentPathChar('\\', '/') && !ARXFmDir::isEquivalentPathChar('a', 'A'));
+    for (char const* path : {"/", "\\x", "//s/x", "C:/", "c:\\x"})
+        EXPECT_TRUE(ARXFmDir::isAbsolutePath(path)) << path;
+    for (char const* path : {"", "C:", "C:x", "x/y", "./x", "1:/x"})
+        EXPECT_FALSE(ARXFmDir::isAbsolutePath(path)) << path;
 }
 
-TEST(ARXFmDir, ChangesSeparatorsAndNothingElse)
+std::uint64_t partAt(char const* path1, char const* path2)
 {
-    // A path, with its separators normalised, and slash terminated.
-    char const rows[] =
-        "- - -, a a a/, C: C: C:/, a/ a/ a/, a\\b/c\\ a/b/c/ a\\b/c\\, \\\\s\\x //s/x \\\\s\\x/, "
-        ".\\..//. ./..//. .\\..//./, \xDC\\\xA5 \xDC/\xA5 \xDC\\\xA5/";
-    for (Words const& row : table(rows))
-    {
-        std::string normalised = row[0], terminated = row[0];
-        ARXFmDir::normalizePathSeparator(normalised);
-        ARXFmDir::makePathSlashTerminated(terminated);
-        EXPECT_EQ(row, (Words{row[0], normalised, terminated}));
-    }
+    std::uint64_t const offset = ARXFmDir::findDifferentiatingPathOffset(path1, path2);
+    EXPECT_EQ(offset, ARXFmDir::findDifferentiatingPathOffset(path2, path1)) << path1;
+    return offset;
 }
 
-TEST(ARXFmDir, SplitsOneElementOffFromTheRight)
+TEST(ARXFmDirComparison, FindsTheOffsetInEitherOrder)
 {
-    // Before and after, head, tail.
-    char const rows[] =
-        "a/b/ a/b a b, a a - a, \\a \\a \\ a, a//b a//b a b, //a //a / a, /// / / -, \\/a \\/a \\ a";
-    for (Words const& row : table(rows))
-    {
-        std::string_view path = row[0], head = "x", tail = "x";
-        ARXFmDirSteps::split(path, head, tail);
-        EXPECT_EQ(row, (Words{row[0], std::string(path), std::string(head), std::string(tail)}));
-    }
+    EXPECT_EQ(0u, partAt("", "x"));
+    EXPECT_EQ(0u, partAt("A", "a"));
+    EXPECT_EQ(2u, partAt("/a", "\\a\\b"));
+    EXPECT_EQ(3u, partAt("a/b", "a\\b"));
+    EXPECT_EQ(3u, partAt("a/bc", "a/bd"));
+    EXPECT_EQ(1u, partAt("\xC3\xA4", "\xC3\xB6"));
 }
 
-TEST(ARXFmDir, NormalisesPathsAlsoInPlaceAndEveryShortOneAsTheModelDoes)
+TEST(ARXFmDirComparison, IsExactExceptForSeparators)
 {
-    // A result, and the paths that give it.
-    char const rows[] =
-        "a/b/c a\\b\\c a//b\\c/, /a/b \\a\\b, c:/D/e C:\\D\\e c:/D//e\\, c:/ C:/ C:\\ C:/a/.., "
-        "c: C: C:. C:a/.. C:\\.., c:x C:x, c:.. C:.., c:/b C:\\a\\..\\b, / \\ // \\/, /a ///a, "
-        "/s/x //s/x \\\\s\\x, . ./ a/.. a/b/../.. \\.. \\a\\..\\.., ../b ../a/../b, "
-        ".. ./.. a/../.. a/b/../../.. \\..\\.., a/c a/b/../c/./d/.., y x/./../y, a:b A:b, "
-        "ab:c ab:c, 1:/x 1:/x, ..x/... ..x/..., \xC4:/\xFC \xC4:/\xFC\\.";
-    for (Words const& row : table(rows))
-        for (std::string path : row)  // the result too: the second time there is nothing to do
-        {
-            std::string out = "before";
-            ARXFmDir::getNormalizedPath(path, out);
-            ARXFmDir::getNormalizedPath(path, path);
-            EXPECT_EQ((Words{row[0], row[0]}), (Words{out, path}));
-        }
-
-    Words paths = {""};
-    for (std::size_t i = 0; i < paths.size(); ++i)
-    {
-        std::string const path = paths[i];
-        for (char const* byte = "/\\.aC:"; *byte && path.size() < 7; ++byte)
-            paths.push_back(path + *byte);
-        std::string out;
-        raisedBy([&] { ARXFmDir::getNormalizedPath(path, out); });
-        ASSERT_EQ(path.empty() ? "" : modelNormalizedPath(path), out) << path;
-    }
+    EXPECT_TRUE(ARXFmDir::isEquivalentPath("", ""));
+    EXPECT_TRUE(ARXFmDir::isEquivalentPath("\\a/b", "/a\\b"));
+    EXPECT_FALSE(ARXFmDir::isEquivalentPath("abc", "abcd"));
+    EXPECT_FALSE(ARXFmDir::isEquivalentPath("abcd", "abc"));
+    EXPECT_FALSE(ARXFmDir::isEquivalentPath("C:/a", "c:/a"));
+    EXPECT_FALSE(ARXFmDir::isEquivalentPathChar('a', '/'));
 }
 
-// Each row gives its third word, also where out is the storage of an argument.
-void expectPlaced(char const* rows, void (*place)(char const*, char const*, std::string&))
+TEST(ARXFmDirSeparator, BecomesASlashAndNothingElseChanges)
 {
-    for (Words const& row : table(rows))
-    {
-        std::string out1 = row[0], out2 = row[1];
-        place(out1.c_str(), row[1].c_str(), out1);
-        place(row[0].c_str(), out2.c_str(), out2);
-        EXPECT_EQ((Words{row[2], row[2]}), (Words{out1, out2})) << row[1] << " at " << row[0];
-    }
+    std::string path = "\\\\s\\..\\\xDC/\\.";
+    ARXFmDir::normalizePathSeparator(path);
+    EXPECT_EQ("//s/../\xDC//.", path);
 }
 
-TEST(ARXFmDir, PutsRelativePathsUnderAFolderAndCutsItOff)
+TEST(ARXFmDirSeparator, IsAddedWhereAPathHasNoneAtItsEnd)
 {
-    // Working directory, path, result.
-    expectPlaced(
-        "C:/w x/y C:/w/x/y, C:/w/ x C:/w/x, C:/w c:x C:/w/x, c:/w C:x\\y c:/w/x\\y, C:/w ../x C:/w/../x, "
-        "C:/w D:/x D:/x, C:/w /x /x, /w \\x \\x, /w c:x /w/c:x, C:/w - C:/w/, w\\ \xE4 w\\\xE4, "
-        "- x x, C: c: C:/",
-        ARXFmDir::getAbsolutePath);
-    // Base, full path, tail.
-    expectPlaced(
-        "/a/b /a/b/c/d.e c/d.e, /a/b/ /a/b/c c, \\a\\b /a/b/c c, C:\\a C:/a/b\\c b\\c, /a/b /a/bc/d c/d, "
-        "/x/y /a/b a/b, /a/b /a/b -, /a/b/ /a/b/ -, x /a/b b, C:/A c:/a/x x, - a\\b b, - a/ -, "
-        "\xC3\xA4 \xC3\xA4/\xC3\xB6 \xC3\xB6",
-        [](auto* base, auto* path, auto& out) { ARXFmDir::getPathTail(out, base, path); });
+    std::string paths[] = {"", "C:\\a", "a/", "a\\"};
+    std::for_each(std::begin(paths), std::end(paths), ARXFmDir::makePathSlashTerminated);
+    EXPECT_THAT(paths, testing::ElementsAre("", "C:\\a/", "a/", "a\\"));
+}
+
+std::string normalized(std::string path)
+{
+    std::string out = "before";
+    ARXFmDir::getNormalizedPath(path, out);
+    ARXFmDir::getNormalizedPath(path, path);
+    EXPECT_EQ(out, path) << "in place";
+    return out;
+}
+
+TEST(ARXFmDirNormalized, KeepsNamesAndOneSlashBetweenThem)
+{
+    EXPECT_EQ("a/B/c", normalized("a\\B//c/"));
+    EXPECT_EQ("..x/...", normalized("..x/./..."));
+    EXPECT_EQ("1:/x", normalized("1:/x"));
+    EXPECT_EQ("\xC4:/\xFC", normalized("\xC4:/\xFC\\."));
+    EXPECT_EQ(".", normalized("./"));
+}
+
+TEST(ARXFmDirNormalized, KeepsDriveAndRoot)
+{
+    EXPECT_EQ("c:/D/e", normalized("C:\\D\\e"));
+    EXPECT_EQ("c:x", normalized("C:x"));
+    EXPECT_EQ("c:", normalized("C:."));
+    EXPECT_EQ("/", normalized("\\//"));
+    EXPECT_EQ("/s/x", normalized("\\\\s\\x"));
+}
+
+TEST(ARXFmDirNormalized, RemovesTheNameBeforeAParent)
+{
+    EXPECT_EQ("a/c", normalized("a/b/../c/./d/.."));
+    EXPECT_EQ("y", normalized("x/./../y"));
+    EXPECT_EQ("c:/", normalized("C:/a/.."));
+    EXPECT_EQ(".", normalized("a/b/../.."));
+}
+
+TEST(ARXFmDirNormalized, KeepsAParentWithoutAName)
+{
+    EXPECT_EQ("../../b", normalized("../a/../../b"));
+    EXPECT_EQ("..", normalized("\\..\\.."));  // only "/" is protected
+    EXPECT_EQ("c:..", normalized("C:.."));
+}
+
+// The result, which is the same where out is the storage of an argument.
+template <class Place>
+std::string placed(std::string folder, std::string path, Place const& place)
+{
+    std::string out = "before";
+    std::string const folderBefore = folder;
+    place(folder.c_str(), path.c_str(), out);
+    place(folder.c_str(), path.c_str(), folder);
+    place(folderBefore.c_str(), path.c_str(), path);
+    EXPECT_EQ(out, folder) << "in the folder's storage";
+    EXPECT_EQ(out, path) << "in the path's storage";
+    return out;
+}
+
+std::string absolute(char const* folder, char const* path)
+{
+    return placed(folder, path,
+                  [](auto* pwd, auto* name, auto& out) { ARXFmDir::getAbsolutePath(pwd, name, out); });
+}
+
+TEST(ARXFmDirAbsolute, JoinsARelativePathToTheFolder)
+{
+    EXPECT_EQ("C:/w/../x\\y", absolute("C:/w", "../x\\y"));
+    EXPECT_EQ("w\\x", absolute("w\\", "x"));
+    EXPECT_EQ("x", absolute("", "x"));
+    EXPECT_EQ("/w/", absolute("/w", ""));
+    EXPECT_EQ("/w/c:x", absolute("/w", "c:x"));
+    EXPECT_EQ("c:/w/x", absolute("c:/w", "C:x"));
+}
+
+TEST(ARXFmDirAbsolute, LeavesAnAbsolutePathAlone)
+{
+    EXPECT_EQ("D:/x", absolute("C:/w", "D:/x"));
+    EXPECT_EQ("\\x", absolute("C:/w", "\\x"));
+}
+
+std::string tail(char const* base, char const* path)
+{
+    return placed(base, path,
+                  [](auto* folder, auto* name, auto& out) { ARXFmDir::getPathTail(out, folder, name); });
+}
+
+TEST(ARXFmDirTail, FollowsTheLongestCommonPrefix)
+{
+    EXPECT_EQ("c/d.e", tail("\\a\\b", "/a/b/c/d.e"));
+    EXPECT_EQ("b\\c", tail("C:/a/", "C:/a/b\\c"));
+    EXPECT_EQ("c/d", tail("/a/b", "/a/bc/d"));
+    EXPECT_EQ("a/b", tail("/x/y", "/a/b"));
+    EXPECT_EQ("", tail("/a/b", "/a/b"));
+}
+
+TEST(ARXFmDirTail, IsTheLastElementWithoutACommonPrefix)
+{
+    EXPECT_EQ("x", tail("C:/A", "c:/a/x"));
+    EXPECT_EQ("b", tail("", "a\\b"));
     std::string out = "before";
     ARXFmDir::getPathTail(out, nullptr, "/a/b");
     EXPECT_EQ("b", out);
 }
 
-TEST(ARXFmDir, RefusesMisuseAndLeavesTheOutStringAlone)
+struct Refusal
 {
-    using Parts = ARXFmDir::ARXFmDirPathParts;
-    std::string const both = "(path1 && path2);", tail = "\"ARXFmDir::getPathTail - ";
-    std::pair<std::string, void (*)(std::string & out)> const refusals[] = {
-        {"(path);", [](auto&) { ARXFmDir::hasDriveLetter(nullptr); }},
-        {"(path);", [](auto&) { ARXFmDir::isAbsolutePath(nullptr); }},
-        {both, [](auto&) { ARXFmDir::isEquivalentPath(nullptr, "a"); }},
-        {both, [](auto&) { ARXFmDir::findDifferentiatingPathOffset("a", nullptr); }},
-        {"_NAMED(! path.empty(), \"Empty paths are not allowed.\");",
-         [](auto& out) { ARXFmDir::getNormalizedPath("", out); }},
-        {"_NAMED(!path.empty(), \"Path may not be empty.\");",
-         [](auto&) { ARXFmDirSteps::splitPathIntoParts("", *std::make_unique<Parts>()); }},
-        {"_NAMED(! isRoot(iter), \"Cannot descend under root with '..'\");",
-         [](auto& out) { ARXFmDir::getNormalizedPath("C:/a/../..", out); }},
-        {"(pwd);", [](auto& out) { ARXFmDir::getAbsolutePath(nullptr, nullptr, out); }},
-        {"(path);", [](auto& out) { ARXFmDir::getAbsolutePath("/", nullptr, out); }},
-        {"_NAMED(pwdDrive == pathDrive, "
-         "\"Relative path has different drive letter than current directory.\");",
-         [](auto& out) { ARXFmDir::getAbsolutePath("C:/w", "D:x", out); }},
-        {"_NAMED(fullPath, " + tail + "Null full path parameter is not allowed.\");",
-         [](auto& out) { ARXFmDir::getPathTail(out, "/", nullptr); }},
-        {"_NAMED(strlen(fullPath), " + tail + "empty full path parameter is not allowed.\");",
-         [](auto& out) { ARXFmDir::getPathTail(out, "/", ""); }}};
-    for (auto const& [text, call] : refusals)
-    {
-        std::string out = "before";
-        EXPECT_EQ("NEBAssertError: NEB_ASSERT" + text, raisedBy([&, &call = call] { call(out); }).at(0));
-        EXPECT_EQ("before", out);
-    }
+    char const* m_name;
+    char const* m_assertion;
+    void (*m_call)(std::string& out);
+};
+using ARXFmDirRefused = testing::TestWithParam<Refusal>;
+
+TEST_P(ARXFmDirRefused, LeavesTheOutStringAlone)
+{
+    std::string out = "before";
+    Lines const raised = raisedBy([&] { GetParam().m_call(out); });
+    EXPECT_EQ(std::string("NEBAssertError: NEB_ASSERT") + GetParam().m_assertion, raised.at(0));
+    EXPECT_EQ("before", out);
 }
 
-TEST(ARXFmDir, TakesACurrentDirectoryOfAtMost260Bytes)
+Refusal const s_refusals[] = {
+    {"DriveOfNull", "(path);", [](auto&) { ARXFmDir::hasDriveLetter(nullptr); }},
+    {"AbsoluteNull", "(path);", [](auto&) { ARXFmDir::isAbsolutePath(nullptr); }},
+    {"EquivalentToNull", "(path1 && path2);", [](auto&) { ARXFmDir::isEquivalentPath("a", nullptr); }},
+    {"OffsetInNull", "(path1 && path2);",
+     [](auto&) { ARXFmDir::findDifferentiatingPathOffset(nullptr, "a"); }},
+    {"NormalizedEmpty", R"(_NAMED(! path.empty(), "Empty paths are not allowed.");)",
+     [](auto& out) { ARXFmDir::getNormalizedPath("", out); }},
+    {"PartsOfEmpty", R"(_NAMED(!path.empty(), "Path may not be empty.");)",
+     [](auto&) { Steps::splitPathIntoParts("", *std::make_unique<ARXFmDir::ARXFmDirPathParts>()); }},
+    {"AboveTheRoot", R"(_NAMED(! isRoot(iter), "Cannot descend under root with '..'");)",
+     [](auto& out) { ARXFmDir::getNormalizedPath("C:/a/../..", out); }},
+    {"NullFolder", "(pwd);", [](auto& out) { ARXFmDir::getAbsolutePath(nullptr, nullptr, out); }},
+    {"NullPath", "(path);", [](auto& out) { ARXFmDir::getAbsolutePath("/", nullptr, out); }},
+    {"OtherDrive",
+     R"(_NAMED(pwdDrive == pathDrive, "Relative path has different drive letter than current directory.");)",
+     [](auto& out) { ARXFmDir::getAbsolutePath("C:/w", "D:x", out); }},
+    {"TailOfNull", R"(_NAMED(fullPath, "ARXFmDir::getPathTail - Null full path parameter is not allowed.");)",
+     [](auto& out) { ARXFmDir::getPathTail(out, "/", nullptr); }},
+    {"TailOfEmpty",
+     R"(_NAMED(strlen(fullPath), "ARXFmDir::getPathTail - empty full path parameter is not allowed.");)",
+     [](auto& out) { ARXFmDir::getPathTail(out, "/", ""); }},
+};
+INSTANTIATE_TEST_SUITE_P(Paths, ARXFmDirRefused, testing::ValuesIn(s_refusals), RowName());
+
+// What getAbsolutePath gives for "a" in a folder whose path has that many bytes.
+std::string absoluteBelow(std::size_t length)
 {
     TemporaryFolder const base;
-    std::string const folder = base / std::string(259 - base.path().size(), 'x');
+    std::string const folder = base / std::string(length - 1 - base.path().size(), 'x');
+    std::filesystem::create_directory(folder);
+    CurrentFolder const current(folder);
     std::string out;
-    Lines raised;
-    for (std::string const& current : {folder, folder + "x"})
-    {
-        EXPECT_EQ(Lines(), raised);  // by the shorter one
-        std::filesystem::create_directory(current);
-        CurrentFolder const made(current);
-        raised = raisedBy([&] { ARXFmDir::getAbsolutePath("a\\b", out); });
-    }
-    EXPECT_EQ(folder + "/a\\b", out);
-    EXPECT_EQ(
-        "NEBAssertError: NEB_ASSERT_NAMED(pwd, \"The current directory cannot be read or is longer than "
-        "260 bytes.\");",
-        raised.at(0));
+    ARXFmDir::getAbsolutePath("a", out);
+    return out;
 }
 
-TEST(ARXFmDir, CallsOnlyRegularFilesFiles)
+TEST(ARXFmDirCurrentFolder, HasAtMost260Bytes)
 {
-    for (char const* path : {"/proc", "/missing", "\\proc\\self\\maps", static_cast<char const*>(nullptr)})
-        EXPECT_EQ(path && *path == '\\', ARXFmDir().isFile(path));
+    EXPECT_EQ(262u, absoluteBelow(260).size());
+    EXPECT_THROW(absoluteBelow(261), NEBAssertError);
+}
+
+TEST(ARXFmDirIsFile, CallsOnlyRegularFilesFiles)
+{
+    EXPECT_TRUE(ARXFmDir().isFile("\\proc\\self\\maps"));
+    EXPECT_FALSE(ARXFmDir().isFile("/proc"));
+    EXPECT_FALSE(ARXFmDir().isFile("/missing"));
+    EXPECT_FALSE(ARXFmDir().isFile(nullptr));
 }
 }  // namespace

@@ -1,23 +1,19 @@
 #include "text/NEBUtHRTimer.h"
 
-#include <gtest/gtest.h>
-
-#include <tuple>
-#include <vector>
+#include <string>
 
 #include "os/OsCounter.h"
+#include "support/Rows.h"
 
 namespace
 {
-using Numbers = std::vector<std::uint64_t>;
-
 struct Machine
 {
     DWORD_PTR m_processMask;
     BOOL m_hasMask;
     std::int64_t m_frequency;  // 0: refused
     std::int64_t m_ticks = 0;
-    Numbers m_masks{};  // that a thread was given, and 7 for each reading of the counter
+    std::string m_calls = "";  // "pin MASK" and "read"
 } s_machine;
 }  // namespace
 
@@ -29,8 +25,8 @@ BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR*)
 
 DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
 {
-    s_machine.m_masks.push_back(mask);
-    return mask == 0 || thread != GetCurrentThread() ? 0 : 0xF0;
+    s_machine.m_calls += "pin " + std::to_string(mask) + ", ";
+    return mask == 0 || thread != GetCurrentThread() ? 0 : 90;  // what held before
 }
 
 BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency)
@@ -41,46 +37,61 @@ BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency)
 
 BOOL QueryPerformanceCounter(LARGE_INTEGER* counter)
 {
-    s_machine.m_masks.push_back(7);
+    s_machine.m_calls += "read, ";
     counter->QuadPart = s_machine.m_ticks;
-    return 0;  // looked at by nobody
+    return 0;  // not to be checked
 }
 
 namespace
 {
-// The mask that is set, ticks and nanoseconds.
-std::tuple<Machine, DWORD_PTR, std::uint64_t, std::uint64_t> const s_cases[] = {
-    {Machine{0xC, 1, 10000000}, 4, 18446744073, 1844674407300},
-    {Machine{0xC, 1, 10000000}, 4, 18446744074, 1844674407400},
-    {Machine{DWORD_PTR{1} << 40, 1, 7}, DWORD_PTR{1} << 40, 129127208514, 18446744073428571428u},
-    {Machine{0xC, 1, 0}, 4, 5, 0},
-    {Machine{0xC, 0, 10000000}, 0, 5, 0},
-    {Machine{0, 1, 10000000}, 0, 5, 0}};
-
-// Case by case without terminate: each initialize starts from scratch.
-TEST(NEBUtHRTimer, PinsReadsRestoresAndCountsExactly)
+struct TimerRow
 {
-    for (auto const& [machine, mask, ticks, nanoseconds] : s_cases)
-    {
-        NEBUtHRTimer timer;
-        s_machine = machine;
-        NEBUtHRTimer::initialize();
-        s_machine.m_masks.clear();
-        EXPECT_EQ(0u, timer.getElapsed(false));  // never started
-        timer.start();
-        s_machine.m_ticks = static_cast<std::int64_t>(ticks);
-        EXPECT_EQ(nanoseconds, timer.getElapsed(true)) << ticks;
-        timer.stop();
-        s_machine.m_ticks = 0;  // not read any more
-        EXPECT_EQ(nanoseconds, timer.getElapsed(false)) << ticks;
-        DWORD_PTR const former = mask ? 0xF0 : 0;
-        EXPECT_EQ((Numbers{mask, 7, former, mask, 7, former, mask, 7, former}), s_machine.m_masks);
-    }
+    char const* m_name;
+    Machine m_machine;
+    char const* m_reading;
+    std::int64_t m_ticks;
+    std::uint64_t m_nanoseconds;
+};
+using NEBUtHRTimerOn = testing::TestWithParam<TimerRow>;
+
+// Without terminate, so that each row's initialize has to start from scratch.
+TEST_P(NEBUtHRTimerOn, CountsExactlyByPinnedReadings)
+{
+    s_machine = GetParam().m_machine;
+    NEBUtHRTimer::initialize();
+    NEBUtHRTimer timer;
+    EXPECT_EQ(0u, timer.getElapsed(false));  // never started
+    s_machine.m_calls.clear();
+    timer.start();
+    EXPECT_EQ(GetParam().m_reading, s_machine.m_calls);
+    s_machine.m_ticks = GetParam().m_ticks;
+    timer.stop();
+    s_machine.m_ticks = 0;
+    EXPECT_EQ(GetParam().m_nanoseconds, timer.getElapsed(false));
+    EXPECT_EQ(0u, timer.getElapsed(true));
+}
+
+TimerRow const s_rows[] = {
+    {"LongestDirect", {0xC, 1, 10000000}, "pin 4, read, pin 90, ", 18446744073, 1844674407300},
+    {"ShortestSplit", {0xC, 1, 10000000}, "pin 4, read, pin 90, ", 18446744074, 1844674407400},
+    {"HighProcessor",
+     {1ull << 40, 1, 7},
+     "pin 1099511627776, read, pin 90, ",
+     129127208514,
+     18446744073428571428u},
+    {"NoFrequency", {0xC, 1, 0}, "pin 4, read, pin 90, ", 5, 0},
+    {"NoMask", {0xC, 0, 10000000}, "pin 0, read, pin 0, ", 5, 0},
+    {"EmptyMask", {0, 1, 10000000}, "pin 0, read, pin 0, ", 5, 0},
+};
+INSTANTIATE_TEST_SUITE_P(Machines, NEBUtHRTimerOn, testing::ValuesIn(s_rows), RowName());
+
+TEST(NEBUtHRTimer, GivesNothingAfterTerminate)
+{
     s_machine = {0xC, 1, 1000, 5};
     NEBUtHRTimer::initialize();
     NEBUtHRTimer::terminate();
-    s_machine.m_masks.clear();
+    s_machine.m_calls.clear();
     EXPECT_EQ(0u, NEBUtHRTimer().getElapsed(true));
-    EXPECT_EQ((Numbers{0, 7, 0}), s_machine.m_masks);
+    EXPECT_EQ("pin 0, read, pin 0, ", s_machine.m_calls);
 }
 }  // namespace

@@ -1,84 +1,101 @@
 #include "url/ARXHelper.h"
 
-#include <cstdio>
-#include <tuple>
-
 #include "NEBCore/I18NString.h"
 #include "NEBCore/NEBByteBuffer.h"
 #include "support/CryptoRecorder.h"
 
 namespace
 {
+// What urlEncode makes of the input, in place of a text before.
 template <class... Input>
-std::string encode(bool keepAscii, Input const&... input)
+std::string encoded(bool keepAscii, Input const&... input)
 {
     NEBByteBuffer output(256, 256);
     output << "before";
-    Lines const raised = raisedBy([&] { ARXHelper::urlEncode(input..., output, keepAscii); });
-    return std::string(output.str(), output.pcount()) + joined(raised);
+    ARXHelper::urlEncode(input..., output, keepAscii);
+    return {output.str(), output.pcount()};
 }
 
-using ARXHelperTest = RecordedTest;
-}  // namespace
-
-TEST_F(ARXHelperTest, EncodesAllButLettersDigitsAndSixSigns)
+std::string encodedUnits(std::u16string const& units)
 {
-    std::tuple<std::u16string, char const*, char const*> const rows[] = {
-        {u"", "", ""},
-        {u"a b+\u0080\u07FF", "a+b%2b%c2%80%df%bf", "a b+%c2%80%df%bf"},
-        {u"\u0800\uFFFF\U0001F600", "%e0%a0%80%ef%bf%bf%ed%a0%bd%ed%b8%80",
-         "%e0%a0%80%ef%bf%bf%ed%a0%bd%ed%b8%80"}};
-    for (auto const& [units, encoded, kept] : rows)
-    {
-        I18NString text;
-        text.setTo(units.c_str(), static_cast<std::uint32_t>(2 * units.size() + 2));
-        EXPECT_EQ(encoded, encode(false, text));
-        EXPECT_EQ(kept, encode(true, text));
-    }
-    EXPECT_EQ("", encode(false, nullptr, 0u) + encode(false, "a", 1u));
-    EXPECT_EQ("beforeNEBAssertError: NEB_ASSERT(input); | url/ARXHelper.cpp NEB_THROW",
-              encode(false, nullptr, 2u));
-
-    std::string const passed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789()*-._";
-    std::string expected, bytes = "x";  // a long text, which equals its units at any address
-    for (char16_t unit = 0; unit < 0xFFFF; ++unit)
-    {
-        char escape[8];
-        std::snprintf(escape, sizeof escape, "%%%02x", unsigned(unit));
-        std::string const kept(1, char(unit)), encoded = encode(false, &unit, 2u);
-        if (unit < 0x80)
-        {
-            EXPECT_EQ(passed.find(kept) + 1 ? kept : unit == u' ' ? "+" : escape, encoded);
-            EXPECT_EQ(kept, encode(true, &unit, 2u));
-        }
-        expected += encoded;
-        bytes.append(reinterpret_cast<char const*>(&unit), 2);
-    }
-    for (std::string const& text : {bytes.substr(1), bytes})
-        EXPECT_EQ(expected, encode(false, &text[text.size() % 2], text.size() / 2 * 2));
+    return encoded(false, units.data(), 2 * units.size());
 }
 
-TEST_F(ARXHelperTest, RewritesTextsAndReadsBasePaths)
+TEST(ARXHelperEncoding, PassesLettersDigitsAndSixSigns)
+{
+    EXPECT_EQ("AZaz09()*-._", encodedUnits(u"AZaz09()*-._"));
+    EXPECT_EQ("%40%5b%60%7b%2f%3a", encodedUnits(u"@[`{/:"));
+    EXPECT_EQ("+%2b%25%7e%0d%7f", encodedUnits(u" +%~\r\x7F"));
+    EXPECT_EQ(" +%~\r\x7F%c2%80", encoded(true, I18NString(" +%~\r\x7F\xC2\x80")));
+}
+
+TEST(ARXHelperEncoding, EscapesTheUtf8OfEachUnit)
+{
+    EXPECT_EQ("%c2%80%df%bf", encodedUnits(u"\u0080\u07FF"));
+    EXPECT_EQ("%e0%a0%80%ef%bf%bf", encodedUnits(u"\u0800\uFFFF"));
+    EXPECT_EQ("%ed%a0%bd%ed%b8%80", encodedUnits(u"\U0001F600"));  // each surrogate on its own
+}
+
+TEST(ARXHelperEncoding, IgnoresAnOddLastByte)
+{
+    EXPECT_EQ("", encoded(false, "a", 1u));
+    EXPECT_EQ("", encoded(false, nullptr, 0u));
+    EXPECT_EQ("", encoded(false, I18NString()));
+}
+
+TEST(ARXHelperEncoding, OfALongTextAtAnOddAddressIsThatOfItsUnits)
+{
+    std::string bytes = "x", expected;
+    for (char16_t unit = 0; unit < 0x1000; ++unit)
+    {
+        bytes.append(reinterpret_cast<char const*>(&unit), sizeof unit);
+        expected += encodedUnits(std::u16string(1, unit));
+    }
+    EXPECT_EQ(expected, encoded(false, &bytes[1], bytes.size() - 1));
+}
+
+TEST(ARXHelperEncoding, OfNullLeavesTheOutput)
+{
+    NEBByteBuffer output(256, 256);
+    output << "before";
+    Lines const raised = raisedBy([&] { ARXHelper::urlEncode(nullptr, 2, output, false); });
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(input);", raised.at(0));
+    EXPECT_EQ(6u, output.pcount());
+}
+
+// What an operation makes of a text.
+template <class Operation>
+std::string after(Operation const& operation, char const* before)
+{
+    I18NString text(before);
+    operation(text);
+    return text.c_str();
+}
+
+TEST(ARXHelperUrl, LosesWhatFollowsTheLastSlash)
+{
+    EXPECT_EQ("a/b/", after(ARXHelper::removeLastComponentFromUrl, "a/b/c"));
+    EXPECT_EQ("a/b/", after(ARXHelper::removeLastComponentFromUrl, "a/b/"));
+    EXPECT_EQ("/abc", after(ARXHelper::removeLastComponentFromUrl, "/abc"));
+    EXPECT_EQ("\U0001F600/", after(ARXHelper::removeLastComponentFromUrl, "\U0001F600/\U0001F600"));
+}
+
+TEST(ARXHelperCommandPath, HasQuotesAroundBlanksOnly)
+{
+    EXPECT_EQ(R"(\"b c"\"d e")", after(ARXHelper::fixCommandPath, "/b c/d e"));
+    EXPECT_EQ(R"("a b"\)", after(ARXHelper::fixCommandPath, "a b/"));
+    EXPECT_EQ(R"(a\\" "")", after(ARXHelper::fixCommandPath, "a\\/ \""));
+    EXPECT_EQ("", after(ARXHelper::fixCommandPath, ""));
+}
+
+using ARXHelperBasePath = RecordedTest;
+
+TEST_F(ARXHelperBasePath, ComesFromItsSetting)
 {
     m_recorder.m_settings = {{"gatewayUrl", "http://gate/x"}, {"externalDispatcherUrl", "http://disp/x"}};
-    auto* const cut = ARXHelper::removeLastComponentFromUrl;
-    auto* const fix = ARXHelper::fixCommandPath;
-    std::tuple<void (*)(I18NString&), char const*, char const*> const rows[] = {
-        {cut, "a/b/c", "a/b/"},
-        {cut, "a/b/", "a/b/"},
-        {cut, "/abc", "/abc"},
-        {cut, "\U0001F600/\U0001F600", "\U0001F600/"},
-        {fix, "/b c/d e", "\\\"b c\"\\\"d e\""},
-        {fix, "a b/", "\"a b\"\\"},
-        {fix, "a\\/ \"", "a\\\\\" \"\""},
-        {fix, "", ""},
-        {[](auto& path) { ARXHelper::getGatewayBasePath(path, false); }, "before", "http://gate/x"},
-        {[](auto& path) { ARXHelper::getBasePath(path, true); }, "before", "http://gate/"},
-        {ARXHelper::getExternalDispatcherBasePath, "before", "http://disp/x"}};
-    for (auto const& [operation, before, after] : rows)
-    {
-        I18NString text(before);
-        operation(text);
-        EXPECT_STREQ(after, text.c_str());
-    }
+    EXPECT_EQ("http://gate/x",
+              after([](auto& path) { ARXHelper::getGatewayBasePath(path, false); }, "before"));
+    EXPECT_EQ("http://gate/", after([](auto& path) { ARXHelper::getBasePath(path, true); }, "before"));
+    EXPECT_EQ("http://disp/x", after(ARXHelper::getExternalDispatcherBasePath, "before"));
 }
+}  // namespace

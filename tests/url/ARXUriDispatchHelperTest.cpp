@@ -1,8 +1,5 @@
 #include "url/ARXUriDispatchHelper.h"
 
-#include <tuple>
-
-#include "NEBCore/NEBWeb64.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleFactoryWorkerI.h"
 #include "crypto/ARXKRYHandleI.h"
@@ -18,77 +15,89 @@ struct ARXUriDispatchHelperTest : RecordedTest
         m_recorder.m_settings = {
             {"gatewayUrl", "ga/te"}, {"externalDispatcherUrl", "disp"}, {"dispatcherID", "d 1"}};
         Arxium::initialize(false);
+        m_recorder.takeCalls();
     }
     ~ARXUriDispatchHelperTest() override { Arxium::terminate(); }
+
+    // The first line that is raised. A url that held "base" must hold it still.
+    std::string raisedFor(char const* path, char const* sessionId)
+    {
+        std::string url = "base";
+        auto const generate = ARXUriDispatchHelper::generateByteServingUrlFromBasePath;
+        Lines const raised = raisedBy([&] { generate(path, sessionId, url); });
+        EXPECT_EQ("base", url);
+        return raised.at(0);
+    }
 };
 
-std::string web64(std::string const& bytes)
+// Signatures are Web64 of what is signed in angle brackets.
+char const s_query[] = "?b_action=dc&f=ZmlsZQ&k=PGZpbGU-&s=PGZpbGUvaWQ-&did=d 1";
+
+TEST_F(ARXUriDispatchHelperTest, SignsWithTwoHandlesOnOneSession)
 {
-    std::string text(NEBWeb64EncodedSize(bytes.size(), 0), '\0');
-    NEBWeb64Encode(bytes.data(), bytes.size(), text.data(), 0);
-    return text.c_str();
+    std::string url = "base";
+    ARXUriDispatchHelper::generateByteServingUrlFromBasePath("/srv\\file", "/id", url);
+    EXPECT_EQ(std::string("base") + s_query, url);
+    EXPECT_EQ((Lines{"KRY_PersistentInitialize <sessionConfigDocument><serviceID>TALM</serviceID>"
+                     "</sessionConfigDocument>",
+                     "KRY_SetInfo S1 <setInfoDocument><action>CSKHMAC</action>"
+                     "<dataLocation>memory</dataLocation></setInfoDocument>",
+                     "KRY_ProtectData S1 file", "KRY_CryptoFree data", "KRY_ProtectData S1 file/id",
+                     "KRY_CryptoFree data", "configuration dispatcherID"}),
+              m_recorder.takeCalls());
 }
 
-// By the doubles' digest, which is the signed bytes in angle brackets.
-std::string query(std::string const& name, std::string const& sessionId)
+TEST_F(ARXUriDispatchHelperTest, BeginsWithTheBasePathAskedFor)
 {
-    return "?b_action=dc&f=" + web64(name) + "&k=" + web64("<" + name + ">") +
-           "&s=" + web64("<" + name + sessionId + ">") + "&did=d 1";
-}
-}  // namespace
-
-TEST_F(ARXUriDispatchHelperTest, NamesAndSignsTheLastComponentBehindTheBasePathAskedFor)
-{
-    std::pair<void (*)(std::string const&, std::string&, char const*, bool), std::string> const rows[] = {
-        {ARXUriDispatchHelper::genGatewayUrlForFile, "ga/te"},
-        {ARXUriDispatchHelper::genUrlForFile, "ga/te"},
-        {ARXUriDispatchHelper::genExternalDispatcherUrlForFile, "disp"}};
-    for (auto const& [operation, base] : rows)
-        for (bool const withBase : {true, false})
-            for (char const* const sessionId : {"id", "", static_cast<char const*>(nullptr)})
-                for (std::string const& name :
-                     {std::string("a.pdf"), std::string(1000, 'n'), std::string("a\0b", 3)})
-                {
-                    std::string url = "before", folder = withBase ? "/srv/" : "C:\\srv\\";
-                    raisedBy([&, &make = operation] { make(folder + name, url, sessionId, withBase); });
-                    EXPECT_EQ((withBase ? base : "") + (sessionId ? query(name, sessionId) : ""), url);
-                }
+    std::string url = "before";
+    ARXUriDispatchHelper::genGatewayUrlForFile("file", url, "/id", true);
+    EXPECT_EQ(std::string("ga/te") + s_query, url);
+    ARXUriDispatchHelper::genUrlForFile("file", url, "/id", true);
+    EXPECT_EQ(std::string("ga/te") + s_query, url);
+    ARXUriDispatchHelper::genExternalDispatcherUrlForFile("file", url, "/id", true);
+    EXPECT_EQ(std::string("disp") + s_query, url);
+    ARXUriDispatchHelper::genExternalDispatcherUrlForFile("file", url, "/id", false);
+    EXPECT_EQ(s_query, url);
+    ARXUriDispatchHelper::genGatewayUrlForFile("file", url, "/id", false);
+    EXPECT_EQ(s_query, url);
 }
 
-TEST_F(ARXUriDispatchHelperTest, CallsTheInterfaceInOrderAndAFailureLeavesTheUrl)
+TEST_F(ARXUriDispatchHelperTest, SignsANameWithAZeroByte)
 {
-    std::string const source = "url/ARXUriDispatchHelper.cpp NEB_THROW",
-                      open =
-                          "KRY_PersistentInitialize <sessionConfigDocument><serviceID>TALM</serviceID>"
-                          "</sessionConfigDocument>",
-                      setUp =
-                          "KRY_SetInfo S1 <setInfoDocument><action>CSKHMAC</action>"
-                          "<dataLocation>memory</dataLocation></setInfoDocument>",
-                      signName = "KRY_ProtectData S1 file", signBoth = "KRY_ProtectData S1 fileid",
-                      free = "KRY_CryptoFree data", readId = "configuration dispatcherID";
+    std::string url;
+    ARXUriDispatchHelper::genUrlForFile(std::string("a\0b", 3), url, "", false);
+    EXPECT_EQ("?b_action=dc&f=YQBi&k=PGEAYj4&s=PGEAYj4&did=d 1", url);
+}
+
+TEST_F(ARXUriDispatchHelperTest, RefusesAnEmptyName)
+{
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(size && data);", raisedFor("/srv/", "/id"));
+}
+
+TEST_F(ARXUriDispatchHelperTest, RefusesANullSessionAfterTheFirstSignature)
+{
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(base64SessionID);", raisedFor("file", nullptr));
+    EXPECT_EQ("KRY_ProtectData S1 file", m_recorder.takeCalls().at(2));
+}
+
+TEST_F(ARXUriDispatchHelperTest, NoticesARefusedSignature)
+{
+    for (int const call : {1, 2})
+    {
+        m_recorder.failCall("KRY_ProtectData", call, Fault::Status);
+        EXPECT_EQ("NEBAssertError: NEB_ASSERT(KRY_SUCCEEDED(status));", raisedFor("file", "/id")) << call;
+    }
+}
+
+TEST_F(ARXUriDispatchHelperTest, NoticesAFactoryWithoutHandles)
+{
     struct NoHandles final : ARXKRYHandleFactoryWorkerI
     {
         ARXSimpleKRYHandleI* createHandle(char const*, char const*) override { return nullptr; }
         ARXKRYHandleI* createHandle() override { return nullptr; }
         void destroyHandle(ARXSimpleKRYHandleI*) override {}
     } noHandles;
-    std::tuple<char const*, char const*, int, std::string, Lines> const rows[] = {
-        {"/srv/file", "id", 0, "", {open, setUp, signName, free, signBoth, free, readId}},
-        {"/srv/", "id", 0, "size && data", {}},
-        {"file", nullptr, 0, "base64SessionID", {signName, free}},
-        {"file", "id", 1, "KRY_SUCCEEDED(status)", {signName, free}},
-        {"file", "id", 2, "KRY_SUCCEEDED(status)", {signName, free, signBoth, free}},
-        {"file", "id", 3, "handle.get()", {}}};
-    auto* const generate = ARXUriDispatchHelper::generateByteServingUrlFromBasePath;
-    for (auto const& [path, sessionId, call, condition, calls] : rows)
-    {
-        m_recorder.failCall("KRY_ProtectData", call, Fault::Status);
-        if (call == 3)
-            ARXKRYHandleFactory::setFactoryWorker(&noHandles);
-        std::string url = "base", failure = "NEBAssertError: NEB_ASSERT(" + condition + "); | " + source;
-        Lines const raised = raisedBy([&, &path = path, &id = sessionId] { generate(path, id, url); });
-        EXPECT_EQ(condition.empty() ? "" : failure, joined(raised));
-        EXPECT_EQ(condition.empty() ? "base" + query("file", "id") : "base", url);
-        EXPECT_EQ(calls, m_recorder.takeCalls());
-    }
+    ARXKRYHandleFactory::setFactoryWorker(&noHandles);
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(handle.get());", raisedFor("file", "/id"));
 }
+}  // namespace

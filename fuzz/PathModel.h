@@ -1,8 +1,8 @@
-// What the canonical form of a path is, written down a second time: elements from the left, taken off a stack
-// by "..".
+// The canonical form of a path, written a second time: elements from the left on a stack, from which ".."
+// removes.
 
-#ifndef ARXIUM_TESTS_PATH_PATHMODEL_H
-#define ARXIUM_TESTS_PATH_PATHMODEL_H
+#ifndef ARXIUM_FUZZ_PATHMODEL_H
+#define ARXIUM_FUZZ_PATHMODEL_H
 
 #include <algorithm>
 #include <cctype>
@@ -20,7 +20,10 @@ inline std::string modelNormalizedPath(std::string path)
 {
     std::string drive, joined;
     if (modelHasDrive(path))
-        drive = {static_cast<char>(path[0] | 0x20), ':'}, path.erase(0, 2);
+    {
+        drive = {static_cast<char>(path[0] | 0x20), ':'};
+        path.erase(0, 2);
+    }
     std::vector<std::string> stack;
     if (path.find_first_of("/\\") == 0)
         stack.emplace_back(1, path[0]);  // the root, as spelled
