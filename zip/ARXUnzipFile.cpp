@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 #include "NEBCore/NEBFmDir.h"
@@ -91,6 +92,7 @@ bool ARXUnzipFile::openZip(char const* zipPath)
     if (!m_uzFile)
         return false;
     m_zipFolder = std::move(folder);
+    m_zipPath = std::move(resolved);
     return true;
 }
 
@@ -194,7 +196,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
 bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 {
     NEBFmFile file;
-    if (file.open(target, s_createForWriting, 0) == 0)
+    if (isOpenArchive(target) || file.open(target, s_createForWriting, 0) == 0)
         return false;
     if (!openReadableEntry(m_uzFile, info.flag, info.compressionMethod))
         return false;
@@ -205,6 +207,13 @@ bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
     if (isComplete)
         setFileModTime(target.c_str(), info.dosDate);  // a file without its date is extracted all the same
     return isComplete;
+}
+
+bool ARXUnzipFile::isOpenArchive(std::string target) const
+{
+    ARXFmDir::normalizePathSeparator(target);  // as it is done where files are made
+    std::error_code error;                     // of a target that does not exist yet
+    return std::filesystem::equivalent(m_zipPath, target, error);
 }
 
 // The date as local time; the last access, which the extraction has not changed, is written back as it was.

@@ -77,10 +77,12 @@ protected:
 private:
     bool unzipFile(char const* szFolder, bool ignorePath);
     bool extractTo(std::string const& target, UZ_FileInfo const& info);
+    bool isOpenArchive(std::string target) const;
     static bool setFileModTime(char const* path, unsigned int dosDate);
 
     unzFile m_uzFile;         // null when closed
     std::string m_zipFolder;  // folder of the archive itself, absolute; empty when closed
+    std::string m_zipPath;    // of the archive last opened, absolute
 };
 
 #endif

@@ -1,12 +1,13 @@
 #include "zip/ARXZipFile.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "NEBCore/I18NString.h"
 #include "NEBCore/NEBFmDir.h"
@@ -19,6 +20,10 @@ namespace
 {
 int constexpr s_defaultLevel = 6;
 std::size_t constexpr s_copyBufferSize = 4096;
+// Of sizes and places in the archive; the number above stands for one that needs more bits (APPNOTE, 4.4.8).
+std::uint64_t constexpr s_largestNumber = 0xFFFFFFFE;
+// More than zlib, minizip and the C library hold back of what has been written.
+std::uint64_t constexpr s_heldBack = 1 << 20;
 
 std::tm toLocalTime(std::time_t time)
 {
@@ -46,16 +51,6 @@ zip_fileinfo makeFileInfo(std::tm const& local)
     return info;
 }
 
-// minizip frees 268 KB of working memory after each entry, which glibc gives back to the system and asks for
-// again: a third of the time of small files. glibc keeps up to twice the largest block that it has seen
-// freed.
-void keepFreedMemory()
-{
-    std::size_t constexpr blockSize = 1 << 20;
-    void* volatile block = std::malloc(blockSize);  // volatile, or compilers leave out both calls
-    std::free(block);
-}
-
 I18NString joinNames(char const* directory, std::string const& name)
 {
     I18NString joined(directory, nullptr, -1, nullptr, nullptr);
@@ -64,7 +59,7 @@ I18NString joinNames(char const* directory, std::string const& name)
 }
 }  // namespace
 
-ARXZipFile::ARXZipFile() : m_zipFile(nullptr), m_fileOpen(false) {}
+ARXZipFile::ARXZipFile() : m_zipFile(nullptr), m_fileOpen(false), m_archive(-1), m_entrySize(0) {}
 
 ARXZipFile::~ARXZipFile()
 {
@@ -83,10 +78,13 @@ void ARXZipFile::create(char const* fileName)
     std::string newName = fileName;  // before anything is opened, so that lack of memory leaves all as it was
     close();
 
-    keepFreedMemory();
     m_zipFile = zipOpen(fileName, APPEND_STATUS_CREATE);
-    if (!m_zipFile)
+    m_archive = m_zipFile ? ::open(fileName, O_PATH | O_CLOEXEC) : -1;
+    if (m_archive < 0)
+    {
+        close();
         raiseWithText(NEB_HERE, {"Unable to create zip file: ", fileName}, "ARXZipFile::initialize");
+    }
     m_zipFileName = std::move(newName);
 }
 
@@ -175,16 +173,15 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
 
     char const* const commentText = comment ? comment->c_str(nullptr, nullptr, nullptr, nullptr) : nullptr;
     int const zipMethod = method == compressDeflated ? Z_DEFLATED : 0;
-    // minizip gives the same answer to a level that zlib refuses, but loses the memory of the entry's header.
-    bool const isLevelRefused =
-        zipMethod == Z_DEFLATED && (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION);
-    int const result = isLevelRefused ? Z_STREAM_ERROR
-                                      : zipOpenNewFileInZip(m_zipFile, fileName, info, nullptr, 0, nullptr, 0,
-                                                            commentText, zipMethod, level);
+    int result = refusalOf(zipMethod, level);
+    if (result == ZIP_OK)
+        result = zipOpenNewFileInZip(m_zipFile, fileName, info, nullptr, 0, nullptr, 0, commentText,
+                                     zipMethod, level);
     if (result != ZIP_OK)
         raiseWithText(NEB_HERE, {"Unable to open new file in zip file: ", std::to_string(result).c_str()},
                       "ARXZipFile::openNewFileInZip");
     m_fileOpen = true;
+    m_entrySize = 0;
 }
 
 void ARXZipFile::writeInFileInZip(unsigned char* data, unsigned int length)
@@ -195,8 +192,9 @@ void ARXZipFile::writeInFileInZip(unsigned char* data, unsigned int length)
     // A null pointer never reaches minizip: it would start the entry's running checksum afresh.
     int nRet = ZIP_OK;
     if (length != 0)
-        nRet = data ? zipWriteInFileInZip(m_zipFile, data, length) : ZIP_PARAMERROR;
+        nRet = data && hasRoomFor(length) ? zipWriteInFileInZip(m_zipFile, data, length) : ZIP_PARAMERROR;
     NEB_ASSERT(nRet == ZIP_OK);
+    m_entrySize += length;
 }
 
 void ARXZipFile::closeFileInZip()
@@ -214,6 +212,29 @@ void ARXZipFile::close()
         closeFileInZip();
     if (!m_zipFile)
         return;
-    zipClose(m_zipFile, nullptr);  // frees the handle also where it reports an error
-    m_zipFile = nullptr;
+    zipClose(std::exchange(m_zipFile, nullptr), nullptr);  // frees the handle also where it reports an error
+    ::close(std::exchange(m_archive, -1));
+}
+
+// What minizip would lose memory over, a level that zlib refuses, or write where no reader finds it.
+int ARXZipFile::refusalOf(int zipMethod, int level) const
+{
+    if (zipMethod == Z_DEFLATED && (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION))
+        return Z_STREAM_ERROR;
+    return isArchiveFull(0) ? ZIP_PARAMERROR : ZIP_OK;
+}
+
+bool ARXZipFile::hasRoomFor(unsigned int length) const
+{
+    return length <= s_largestNumber - m_entrySize && !isArchiveFull(length);
+}
+
+// The file itself tells its size, since minizip doesn't; deflate may add a little to what can't be packed.
+bool ARXZipFile::isArchiveFull(unsigned int length) const
+{
+    struct stat status;
+    if (::fstat(m_archive, &status) != 0)
+        return true;
+    std::uint64_t const growth = std::uint64_t{length} + length / 1024 + s_heldBack;
+    return static_cast<std::uint64_t>(status.st_size) + growth > s_largestNumber;
 }

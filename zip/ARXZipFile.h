@@ -77,9 +77,15 @@ public:
     void close();
 
 private:
+    int refusalOf(int zipMethod, int level) const;
+    bool hasRoomFor(unsigned int length) const;
+    bool isArchiveFull(unsigned int length) const;
+
     zipFile m_zipFile;  // null when closed
     bool m_fileOpen;
     std::string m_zipFileName;  // as given to the last create that worked, also after close
+    int m_archive;              // descriptor of the archive's file, which tells its size; -1 when closed
+    std::uint64_t m_entrySize;  // bytes written to the open entry
 };
 
 #endif

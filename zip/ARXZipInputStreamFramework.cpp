@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <utility>
 
 #include "NEBCore/NEBByteBuffer.h"
 #include "frame/ARXAssert.h"
@@ -10,32 +12,22 @@
 
 namespace
 {
-std::size_t constexpr s_nameBufferSize = 259;
-std::size_t constexpr s_largestRead = 2147483647;  // minizip answers with an int
+std::size_t constexpr s_largestRead = 2147483647;  // minizip returns an int
 
-// minizip's result. It needs a record to fill, and terminates only a name that is shorter than the buffer.
-int readCurrentFileInfo(unzFile zipFile, unz_file_info& info, char* szFileName, uLong fileNameBufferSize)
-{
-    szFileName[fileNameBufferSize - 1] = 0;
-    int const result =
-        unzGetCurrentFileInfo(zipFile, &info, szFileName, fileNameBufferSize, nullptr, 0, nullptr, 0);
-    if (result == UNZ_OK)
-        NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), "File name is larger than data structure used to hold it.");
-    return result;
-}
-
-bool readCurrentName(unzFile zipFile, char (&name)[s_nameBufferSize])
-{
-    unz_file_info info;
-    return readCurrentFileInfo(zipFile, info, name, sizeof name) == UNZ_OK;
-}
 }  // namespace
 
 ARXZipInputStreamFramework::ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs)
     : m_zipFile(nullptr), m_entryOpen(false), m_pFileFuncs(fileFuncs)
 {
+    zlib_filefunc_def_s table{};
+    if (m_pFileFuncs)
+        m_guard.m_functions = *m_pFileFuncs;
+    fillZlibGuardedIO(&table, &m_guard);
     // No path: the table alone knows where the bytes are.
-    m_zipFile = unzOpen2(nullptr, m_pFileFuncs);
+    using Archive = std::unique_ptr<void, int (*)(unzFile)>;
+    Archive archive(unzOpen2(nullptr, m_pFileFuncs ? &table : nullptr), unzClose);
+    rethrowRaised(m_guard);  // minizip may have opened what it could not read any further
+    m_zipFile = archive.release();
     NEB_ASSERT_NAMED(m_zipFile, "Unable to open zip file.");
 }
 
@@ -65,7 +57,7 @@ std::size_t ARXZipInputStreamFramework::read(char* buf, std::size_t n)
     while (m_entryOpen && total < n)
     {
         std::size_t const wanted = std::min(n - total, s_largestRead);
-        int const count = unzReadCurrentFile(m_zipFile, buf + total, static_cast<unsigned>(wanted));
+        int const count = checked(unzReadCurrentFile(m_zipFile, buf + total, static_cast<unsigned>(wanted)));
         if (count <= 0)
             break;
         total += static_cast<std::size_t>(count);
@@ -92,18 +84,17 @@ void ARXZipInputStreamFramework::close()
         return;
     if (m_entryOpen)
         unzCloseCurrentFile(m_zipFile);
-    unzClose(m_zipFile);
-    m_zipFile = nullptr;
+    checked(unzClose(std::exchange(m_zipFile, nullptr)));
 }
 
 bool ARXZipInputStreamFramework::getFirstEntry()
 {
-    return m_zipFile && unzGoToFirstFile(m_zipFile) == UNZ_OK;
+    return m_zipFile && checked(unzGoToFirstFile(m_zipFile)) == UNZ_OK;
 }
 
 bool ARXZipInputStreamFramework::getNextEntry()
 {
-    return m_zipFile && unzGoToNextFile(m_zipFile) == UNZ_OK;
+    return m_zipFile && checked(unzGoToNextFile(m_zipFile)) == UNZ_OK;
 }
 
 // Not minizip's own search, which knows neither "\" nor the end of a name that fills its buffer.
@@ -113,7 +104,7 @@ bool ARXZipInputStreamFramework::locate(char const* name)
     char entryName[s_nameBufferSize];
     for (bool isEntry = getFirstEntry(); isEntry; isEntry = getNextEntry())
     {
-        if (!readCurrentName(m_zipFile, entryName))
+        if (!readCurrentName(entryName))
             return false;
         if (ARXFmDir::isEquivalentPath(entryName, name))
             return true;
@@ -124,7 +115,7 @@ bool ARXZipInputStreamFramework::locate(char const* name)
 bool ARXZipInputStreamFramework::getCurrentEntryName(std::string& name)
 {
     char entryName[s_nameBufferSize];
-    if (!m_zipFile || !readCurrentName(m_zipFile, entryName))
+    if (!m_zipFile || !readCurrentName(entryName))
         return false;
     name = entryName;
     return true;
@@ -133,8 +124,7 @@ bool ARXZipInputStreamFramework::getCurrentEntryName(std::string& name)
 bool ARXZipInputStreamFramework::getCurrentEntryInfo(zipEntry& entry)
 {
     unz_file_info info{};
-    if (!m_zipFile ||
-        readCurrentFileInfo(m_zipFile, info, entry.szFileName, sizeof entry.szFileName) != UNZ_OK)
+    if (!m_zipFile || readCurrentFileInfo(info, entry.szFileName, sizeof entry.szFileName) != UNZ_OK)
         return false;
     copyEntryNumbers(info, entry);
     return true;
@@ -150,7 +140,33 @@ bool ARXZipInputStreamFramework::openCurrentEntry()
 
     // Asked for its numbers only; without a buffer no name is too long.
     unz_file_info info{};
-    m_entryOpen = unzGetCurrentFileInfo(m_zipFile, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK &&
-                  openReadableEntry(m_zipFile, entryNumber(info.flag), entryNumber(info.compression_method));
+    if (checked(unzGetCurrentFileInfo(m_zipFile, &info, nullptr, 0, nullptr, 0, nullptr, 0)) != UNZ_OK)
+        return false;
+    m_entryOpen = openReadableEntry(m_zipFile, entryNumber(info.flag), entryNumber(info.compression_method));
+    rethrowRaised(m_guard);
     return m_entryOpen;
+}
+
+// minizip needs a record to fill, and terminates only a name that is shorter than the buffer.
+int ARXZipInputStreamFramework::readCurrentFileInfo(unz_file_info& info, char* szFileName,
+                                                    uLong fileNameBufferSize)
+{
+    szFileName[fileNameBufferSize - 1] = 0;
+    int const result = checked(
+        unzGetCurrentFileInfo(m_zipFile, &info, szFileName, fileNameBufferSize, nullptr, 0, nullptr, 0));
+    if (result == UNZ_OK)
+        NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), "File name is larger than data structure used to hold it.");
+    return result;
+}
+
+bool ARXZipInputStreamFramework::readCurrentName(char (&name)[s_nameBufferSize])
+{
+    unz_file_info info;
+    return readCurrentFileInfo(info, name, sizeof name) == UNZ_OK;
+}
+
+int ARXZipInputStreamFramework::checked(int result)
+{
+    rethrowRaised(m_guard);
+    return result;
 }

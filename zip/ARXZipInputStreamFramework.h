@@ -6,6 +6,7 @@
 #include <minizip/unzip.h>
 
 #include "zip/ARXZipInputStreamI.h"
+#include "zip/ARXZlibGuardedIO.h"
 
 class ARXZipInputStreamFramework : public ARXZipInputStreamI
 {
@@ -31,9 +32,17 @@ public:
     bool openCurrentEntry() override;
 
 private:
+    static std::size_t constexpr s_nameBufferSize = 259;
+
+    int readCurrentFileInfo(unz_file_info& info, char* szFileName, uLong fileNameBufferSize);
+    bool readCurrentName(char (&name)[s_nameBufferSize]);
+    // A result of minizip, unless a function of the table raised an exception meanwhile: then that.
+    int checked(int result);
+
     unzFile m_zipFile;  // null only after close
     bool m_entryOpen;
     zlib_filefunc_def_s* m_pFileFuncs;
+    ZlibGuard m_guard;
 };
 
 #endif

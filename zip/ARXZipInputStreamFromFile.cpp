@@ -1,5 +1,7 @@
 #include "zip/ARXZipInputStreamFromFile.h"
 
+#include <fcntl.h>
+
 #include "frame/ARXAssert.h"
 #include "frame/ARXNew.h"
 
@@ -7,6 +9,7 @@ ARXZipInputStreamFromFile::ARXZipInputStreamFromFile(char const* path)
     : m_fileHandle(path ? std::fopen(path, "rb") : nullptr)
 {
     NEB_ASSERT_NAMED(m_fileHandle, "Unable to open file");
+    ::fcntl(::fileno(m_fileHandle), F_SETFD, FD_CLOEXEC);
     // The destructor does not run for an object whose constructor fails.
     try
     {
