@@ -1,13 +1,19 @@
-// Unpacks a zip archive into a folder.
+// Extracts a zip archive (APPNOTE.TXT; RFC 1951) into a folder.
 //
-// Failure is an answer of false; the only exceptions are those of the file services and lack of memory.
-// Entries extracted before a failed one stay on disk, and so does the part of the failed one that was
-// written. An object serves one thread at a time: the cursor lives in its handle. Separate objects share
-// nothing.
+// Example:
+//     ARXUnzipFile archive("/tmp/backup.zip");
+//     int const entries = archive.getFileCount();  // 0 if it can't be opened
+//     bool const isWhole = archive.unzip(false, "/tmp/restored");
+//     bool const isClosed = entries > 0 && isWhole && archive.closeZip();
 //
-// Limits come from minizip. Entries that are encrypted or packed with a method other than stored and deflated
-// fail, and so do sizes above 4 GiB; more than 65535 entries work. A wrong checksum does not change the
-// outcome: whoever needs it checked compares the contents with UZ_FileInfo::crc.
+// Paths and names are bytes without conversion, whatever UTF-8 flag an entry has. Permissions and links are
+// not restored. A failure returns false; only the file services and lack of memory raise exceptions. What was
+// extracted before a failure stays on disk, including the written part of the failed entry. An object serves
+// one thread at a time; separate objects share nothing.
+//
+// Entries that are encrypted, or packed other than stored or deflated, fail, and so do those of 4 GiB and
+// more. An entry never gives more bytes than it declares. Its checksum is the host's to check: a wrong one
+// does not change the result (UZ_FileInfo::crc).
 
 #ifndef ARXIUM_ZIP_ARXUNZIPFILE_H
 #define ARXIUM_ZIP_ARXUNZIPFILE_H
@@ -24,54 +30,54 @@ class ARXIUM_API ARXUnzipFile
 public:
     struct UZ_FileInfo
     {
-        char szFileName[260];  // as stored
-        char szComment[256];   // cut where it is longer
+        char szFileName[260];  // as stored, terminated
+        char szComment[256];   // terminated; a longer one is cut
         std::uint32_t version;
         std::uint32_t versionNeeded;
         std::uint32_t flag;
         std::uint32_t compressionMethod;
         std::uint32_t dosDate;  // DOS date in the high, DOS time in the low 16 bits
         std::uint32_t crc;
-        std::uint32_t compressedSize;    // in bytes; 0xFFFFFFFF if it doesn't fit
+        std::uint32_t compressedSize;    // in bytes; 0xFFFFFFFF if it has more bits
         std::uint32_t uncompressedSize;  // the same
         std::uint32_t internalAttributes;
         std::uint32_t externalAttributes;
-        bool isFolder;  // the name ends in a separator, or DOS marked the entry so
+        bool isFolder;  // the name ends in a separator, or the entry bears the folder mark of DOS
     };
 
-    // As openZip; an archive that can't be opened leaves the object closed.
+    // Calls openZip. If that fails, the object is closed.
     explicit ARXUnzipFile(char const* zipPath);
     virtual ~ARXUnzipFile();
 
     ARXUnzipFile(ARXUnzipFile const&) = delete;
     ARXUnzipFile& operator=(ARXUnzipFile const&) = delete;
 
-    // Closes the open archive first, also when zipPath (may be null) turns out to be unusable.
+    // Closes the open archive first, even if zipPath, which may be null, can't be opened.
     bool openZip(char const* zipPath);
-    // True also with nothing open.
+    // True if nothing was open, or if minizip closed it without an error.
     bool closeZip();
 
-    // As the archive tells it: of more than 65535 entries it may tell only 65535. 0 for a closed object, a
-    // failed call and an empty archive alike.
+    // The number that the archive declares; one of more than 65535 entries may declare 65535. Returns 0 if
+    // the object is closed, on failure, and for an empty archive.
     int getFileCount();
     bool gotoFirstFile();
-    // False at the end as well as on failure.
+    // Returns false at the end and on failure.
     bool gotoNextFile();
 
-    // Extracts every entry, from the first to the first that fails, into szFolder, which is made if need be;
-    // a null one means the archive's own folder. ignorePath drops the folders in the names of files; entries
-    // for folders are made all the same. Each file gets its stored date, read as local time, where that is a
-    // date. False for an archive without entries.
+    // Extracts all entries into szFolder, which is made if it is missing, and stops at the first that fails.
+    // A null szFolder means the archive's own folder. ignorePath drops the folders from the names of files;
+    // entries for folders are made nevertheless. A file extracted to its end gets its stored date, read as
+    // local time, if that is a date. Returns false for an archive without entries.
     //
-    // Both "/" and "\" separate the elements of a name. A name that leads outside szFolder, or is longer than
-    // 259 bytes, fails before anything is made for it. Links that stand in szFolder already are followed.
+    // Both "/" and "\" separate the elements of a name. An entry fails before anything is made for it if its
+    // name leads outside szFolder or has more than 259 bytes, or if it would replace the archive itself.
+    // Links that are in szFolder already are followed.
     bool unzip(bool ignorePath, char const* szFolder);
-    // The same for an archive that is open only for this call. szFolder may be null.
+    // Opens the archive, extracts it and closes it. szFolder may be null.
     static bool unzip(char const* zipPath, char const* szFolder, bool ignorePath);
 
 protected:
-    // Describes the current entry. info is left alone on a closed object; after another failure it holds
-    // nothing.
+    // Describes the current entry. On a closed object info stays as it is; on any other failure it is zeroed.
     bool getFileInfo(UZ_FileInfo& info);
 
 private:
@@ -81,7 +87,7 @@ private:
     static bool setFileModTime(char const* path, unsigned int dosDate);
 
     unzFile m_uzFile;         // null when closed
-    std::string m_zipFolder;  // folder of the archive itself, absolute; empty when closed
+    std::string m_zipFolder;  // folder of the archive, absolute; empty when closed
     std::string m_zipPath;    // of the archive last opened, absolute
 };
 

@@ -1,8 +1,18 @@
-// Reads a zip archive as a stream, from a named file, a FILE*, memory or any table of I/O functions.
+// Reads a zip archive (APPNOTE.TXT; RFC 1951) as a stream, from a named file, a FILE*, memory or a table of
+// I/O functions.
 //
-// Every operation goes to the source that the constructor chose; ARXZipInputStreamI says what each does.
-// close does nothing here: the archive closes with the object. NEBAssertError tells that the bytes are no
-// archive; also an archive without a single entry counts as none if it is nothing but its end record.
+// Example:
+//     ARXZipInputStream zip("/tmp/backup.zip");
+//     char bytes[4096];
+//     if (zip.locate("a/b") && zip.openCurrentEntry())
+//         while (zip.read(bytes, sizeof bytes) != OJDInputStream::s_end)
+//             continue;  // use the bytes
+//
+// ARXZipInputStreamI describes the operations; each goes to the source that the constructor chose. close does
+// nothing here: the archive is closed by the destructor. Paths are bytes without conversion. A constructor
+// raises NEBAssertError if the bytes are no archive; an archive of no entries is none. Memory is stricter
+// than a file: seeking to its end fails, which some archives with odd extra fields ask for. An object serves
+// one thread at a time.
 
 #ifndef ARXIUM_ZIP_ARXZIPINPUTSTREAM_H
 #define ARXIUM_ZIP_ARXZIPINPUTSTREAM_H
@@ -23,12 +33,13 @@ public:
     };
 
     explicit ARXZipInputStream(char const* path);
-    // Opened for binary reading, by the caller, who closes it again after this object has gone. It is rewound
-    // first.
+    // The caller opens file for binary reading, and closes it after the destruction of this object. The
+    // constructor rewinds it. Where long has 32 bits, a file of 2 GiB or more counts as no archive.
     explicit ARXZipInputStream(std::FILE* file);
-    // The table and what it leads to must outlive this object.
+    // The caller keeps the table and what its functions use alive as long as this object. An exception of a
+    // function leaves the operation that called it.
     explicit ARXZipInputStream(zlib_filefunc_def_s* fileFuncs);
-    // size bytes, which are not copied and must outlive this object unchanged.
+    // size is in bytes. The caller keeps the bytes, which are not copied, unchanged as long as this object.
     ARXZipInputStream(char const* pBuffer, std::size_t size);
     ~ARXZipInputStream() override;
 

@@ -13,20 +13,21 @@
 namespace
 {
 std::size_t constexpr s_largestRead = 2147483647;  // minizip returns an int
-
 }  // namespace
 
-ARXZipInputStreamFramework::ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs)
+ARXZipInputStreamFramework::ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs, tableOrigin origin)
     : m_zipFile(nullptr), m_entryOpen(false), m_pFileFuncs(fileFuncs)
 {
-    zlib_filefunc_def_s table{};
-    if (m_pFileFuncs)
+    zlib_filefunc_def_s guarded;
+    if (m_pFileFuncs && origin == tableOfHost)
+    {
         m_guard.m_functions = *m_pFileFuncs;
-    fillZlibGuardedIO(&table, &m_guard);
+        fillZlibGuardedIO(&guarded, &m_guard);
+        fileFuncs = &guarded;
+    }
     // No path: the table alone knows where the bytes are.
-    using Archive = std::unique_ptr<void, int (*)(unzFile)>;
-    Archive archive(unzOpen2(nullptr, m_pFileFuncs ? &table : nullptr), unzClose);
-    rethrowRaised(m_guard);  // minizip may have opened what it could not read any further
+    std::unique_ptr<void, int (*)(unzFile)> archive(unzOpen2(nullptr, fileFuncs), unzClose);
+    rethrowRaised(m_guard);  // minizip may have opened an archive whose first entry it could not read
     m_zipFile = archive.release();
     NEB_ASSERT_NAMED(m_zipFile, "Unable to open zip file.");
 }

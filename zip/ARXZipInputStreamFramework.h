@@ -11,9 +11,17 @@
 class ARXZipInputStreamFramework : public ARXZipInputStreamI
 {
 public:
-    // fileFuncs is read here only, what it leads to as long as the archive is open. NEBAssertError if that is
-    // no archive. Exceptions of the functions pass through.
-    explicit ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs);
+    // Functions of a host may raise anything, and are guarded. Those of this library raise at most before
+    // minizip has allocated memory, and a guard would cost a fifth of the time of a walk.
+    enum tableOrigin
+    {
+        tableOfHost,
+        tableOfLibrary
+    };
+
+    // Copies the table; what its functions use must outlive the stream. Raises NEBAssertError if that is no
+    // archive, and what the functions raise.
+    explicit ARXZipInputStreamFramework(zlib_filefunc_def_s* fileFuncs, tableOrigin origin = tableOfHost);
     ~ARXZipInputStreamFramework() override;
 
     ARXZipInputStreamFramework(ARXZipInputStreamFramework const&) = delete;

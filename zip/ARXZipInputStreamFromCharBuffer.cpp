@@ -9,7 +9,8 @@ ARXZipInputStreamFromCharBuffer::ARXZipInputStreamFromCharBuffer(char const* pBu
     NEB_ASSERT_NAMED(size > 0, "Input stream may not be empty.");
     m_zipCharBuffer = {pBuffer, size, 0};
     fillZlibConstCharIO(&m_fileFuncs, &m_zipCharBuffer);
-    NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFramework>(&m_fileFuncs));
+    NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFramework>(
+                              &m_fileFuncs, ARXZipInputStreamFramework::tableOfLibrary));
 }
 
 ARXZipInputStreamFromCharBuffer::~ARXZipInputStreamFromCharBuffer() = default;

@@ -7,7 +7,8 @@
 ARXZipInputStreamFromFileHandle::ARXZipInputStreamFromFileHandle(std::FILE* pFile)
 {
     fillZlibFileStreamIO(&m_fileFuncs, pFile);
-    NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFramework>(&m_fileFuncs));
+    NEB_NEW(m_pFramework, std::make_unique<ARXZipInputStreamFramework>(
+                              &m_fileFuncs, ARXZipInputStreamFramework::tableOfLibrary));
 }
 
 ARXZipInputStreamFromFileHandle::~ARXZipInputStreamFromFileHandle() = default;
