@@ -1,25 +1,24 @@
 #include "zip/ARXZipFile.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 
 #include "zip/ZipTools.h"
 
 namespace
 {
-using Zip = ARXZipFile&;
-
-void open(Zip archive, char const* name, int level = 6)
+void open(ARXZipFile& archive, char const* name, int level = 6)
 {
     archive.openNewFileInZip(name, nullptr, nullptr, ARXZipFile::compressDeflated, level);
 }
 
-std::string namesIn(char const* archive)
+Names namesIn(char const* archive)
 {
-    std::string names, name;
+    Names names;
     ARXZipInputStream stream(archive);
     for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
-        names += (stream.getCurrentEntryName(name), name) + " ";
+        stream.getCurrentEntryName(names.emplace_back());
     return names;
 }
 
@@ -28,140 +27,218 @@ struct ARXZipFileTest : ZipTest
     ARXZipFile m_archive;
 };
 
-// What the object shows of its state: closed, archive open or entry open. The question ends it.
-char stateOf(Zip archive)
+enum State
 {
-    bool const isEntry = failureOf([&] { write(archive, "x"); }) == "none";
-    return isEntry ? 'E' : failureOf([&] { open(archive, "new"); }) == "none" ? 'A' : 'C';
+    closed,
+    archiveOpen,
+    entryOpen
+};
+
+// The question ends the state.
+State stateOf(ARXZipFile& archive)
+{
+    if (failureOf([&] { write(archive, "x"); }) == "none")
+        return entryOpen;
+    return failureOf([&] { open(archive, "new"); }) == "none" ? archiveOpen : closed;
 }
 
-#define NAME_NULL "NEB_ASSERT(fileName != NULL);"
-#define FAILED(code) \
-    "ARXException: Unable to open new file in zip file: \n" code " ARXZipFile::openNewFileInZip"
-#define NO_FILE "ARXException: No file currently open in zip file. ARXZipFile::"
-
-TEST_F(ARXZipFileTest, FailuresHaveTheirTextsAndLeaveTheirStates)
+struct FailureRow
 {
-    static char const* const s_null = nullptr;
-    static std::string const s_long(65536, 'n');
-    std::tuple<std::string, std::string, void (*)(Zip)> const failures[] = {
-        {"EE", NAME_NULL, [](Zip z) { z.create(s_null); }},
-        {"EC", "ARXException: Unable to create zip file: \n/dev/null/x ARXZipFile::initialize",
-         [](Zip z) { z.create("/dev/null/x"); }},
-        {"EE", "NEB_ASSERT(fileName);", [](Zip z) { z.addFile(nullptr, ""); }},
-        {"EE", "NEB_ASSERT(exists);", [](Zip z) { z.addFile("missing", ""); }},
-        {"EE", "NEB_ASSERT(exists);", [](Zip z) { z.addFile("folder", ""); }},
-        {"EA", "NEB_ASSERT(0 < strlen(fileName));", [](Zip z) { z.addFile("file", "file"); }},
-        {"CC", "NEB_ASSERT(m_zipFile != NULL);", [](Zip z) { z.addFile("file", ""); }},
-        {"EE", NAME_NULL, [](Zip z) { open(z, s_null); }},
-        {"EA", FAILED("-102"), [](Zip z) { open(z, s_long.c_str()); }},
-        {"EA", FAILED("-2"), [](Zip z) { open(z, "n", -2); }},
-        {"AA", NO_FILE "writeInFileInZip", [](Zip z) { write(z, "x"); }},
-        {"EE", "NEB_ASSERT(nRet == ZIP_OK);", [](Zip z) { z.writeInFileInZip(nullptr, 1); }},
-        {"AA", NO_FILE "closeFileInZip", [](Zip z) { z.closeFileInZip(); }}};
+    char const* m_name;
+    State m_before;
+    void (*m_call)(ARXZipFile&);
+    std::string m_text;
+    State m_after;
+};
+struct FailureOfAZipFile : ARXZipFileTest, testing::WithParamInterface<FailureRow>
+{
+};
+
+TEST_P(FailureOfAZipFile, HasItsTextAndLeavesItsState)
+{
     writeTree({{"file", ""}, {"folder/", ""}});
-    for (auto const& [states, text, call] : failures)
-    {
-        m_archive.create("out.zip");
-        if (states[0] == 'E')
-            open(m_archive, "first");
-        else if (states[0] == 'C')
-            m_archive.close();
-        EXPECT_EQ(text + " x1", failureOf([&, &call = call] { call(m_archive); }));
-        EXPECT_EQ(states[1], stateOf(m_archive)) << text;
-    }
-}
-
-TEST_F(ARXZipFileTest, NamesFollowTheBaseAndTheFlags)
-{
-    writeTree({{"t/a", ""}, {"t/sub/a", ""}});
-    auto const add = [&](char const* dir, char const* base, bool recursive, bool resolve)
-    {
-        m_archive.create(I18NString("out.zip"));
-        open(m_archive, "0");
-        m_archive.addDirectory(dir, base, recursive, resolve);
-        if (base)
-            m_archive.addDirectory(I18NString("t"), I18NString(base), false, false);
-        m_archive.addFile(I18NString("t\\sub\\a"), I18NString("t"));
+    m_archive.create("out.zip");
+    if (GetParam().m_before == entryOpen)
+        open(m_archive, "first");
+    else if (GetParam().m_before == closed)
         m_archive.close();
-        return namesIn("out.zip");
-    };
-    EXPECT_EQ("0 a sub/a sub/a ", add("t", nullptr, true, false));
-    EXPECT_EQ("0 a sub/a ", add("t", nullptr, false, false));
-    EXPECT_EQ("0 a a a sub/a ", add("t", "", true, false));
-    EXPECT_EQ("0 t/a t/sub/a a sub/a ", add(".\\t", ".", true, false));
-    EXPECT_EQ("0 a sub/a a sub/a ", add("t/../t", "t", true, true));
-    EXPECT_EQ("0 sub/a ", add("missing", nullptr, true, false));
+    EXPECT_EQ(GetParam().m_text + " x1", failureOf([&] { GetParam().m_call(m_archive); }));
+    EXPECT_EQ(GetParam().m_after, stateOf(m_archive));
 }
 
-TEST_F(ARXZipFileTest, TheArchiveItselfIsSkippedByItsPathAndEndsByAnother)
+char const* const s_null = nullptr;
+std::string const s_tooLong(65536, 'n');
+std::string const s_nameNull = "NEB_ASSERT(fileName != NULL);";
+std::string const s_noFile = "ARXException: No file currently open in zip file. ARXZipFile::";
+
+std::string notOpened(char const* code)
 {
-    writeTree({{"t/out.zip.bak", ""}});
-    ASSERT_TRUE(run("head -c 400000 /dev/urandom >t/a"));
+    return std::string("ARXException: Unable to open new file in zip file: \n") + code +
+           " ARXZipFile::openNewFileInZip";
+}
+
+using Zip = ARXZipFile&;
+FailureRow const s_failures[] = {
+    {"CreateNull", entryOpen, [](Zip z) { z.create(s_null); }, s_nameNull, entryOpen},
+    {"CreateNowhere", entryOpen, [](Zip z) { z.create("/dev/null/x"); },
+     "ARXException: Unable to create zip file: \n/dev/null/x ARXZipFile::initialize", closed},
+    {"AddNull", entryOpen, [](Zip z) { z.addFile(nullptr, ""); }, "NEB_ASSERT(fileName);", entryOpen},
+    {"AddMissing", entryOpen, [](Zip z) { z.addFile("missing", ""); }, "NEB_ASSERT(exists);", entryOpen},
+    {"AddFolder", entryOpen, [](Zip z) { z.addFile("folder", ""); }, "NEB_ASSERT(exists);", entryOpen},
+    {"AddNameless", entryOpen, [](Zip z) { z.addFile("file", "file"); }, "NEB_ASSERT(0 < strlen(fileName));",
+     archiveOpen},
+    {"AddToNothing", closed, [](Zip z) { z.addFile("file", ""); }, "NEB_ASSERT(m_zipFile != NULL);", closed},
+    {"OpenNull", entryOpen, [](Zip z) { open(z, s_null); }, s_nameNull, entryOpen},
+    {"OpenTooLong", entryOpen, [](Zip z) { open(z, s_tooLong.c_str()); }, notOpened("-102"), archiveOpen},
+    {"OpenWithABadLevel", entryOpen, [](Zip z) { open(z, "n", -2); }, notOpened("-2"), archiveOpen},
+    {"WriteToNothing", archiveOpen, [](Zip z) { write(z, "x"); }, s_noFile + "writeInFileInZip", archiveOpen},
+    {"WriteNull", entryOpen, [](Zip z) { z.writeInFileInZip(nullptr, 1); }, "NEB_ASSERT(nRet == ZIP_OK);",
+     entryOpen},
+    {"CloseNothing", archiveOpen, [](Zip z) { z.closeFileInZip(); }, s_noFile + "closeFileInZip",
+     archiveOpen},
+};
+INSTANTIATE_TEST_SUITE_P(Failures, FailureOfAZipFile, testing::ValuesIn(s_failures), RowName());
+
+struct AddRow
+{
+    char const* m_name;
+    char const* m_dir;
+    char const* m_base;
+    bool m_recursive;
+    bool m_resolve;
+    Names m_added;
+};
+struct NamesOfAFolder : ARXZipFileTest, testing::WithParamInterface<AddRow>
+{
+};
+
+TEST_P(NamesOfAFolder, FollowTheBase)
+{
+    writeTree({{"t/a", ""}, {"t/sub/b", ""}});
+    m_archive.create("out.zip");
+    open(m_archive, "first");
+    m_archive.addDirectory(GetParam().m_dir, GetParam().m_base, GetParam().m_recursive, GetParam().m_resolve);
+    m_archive.close();
+    Names added = namesIn("out.zip");
+    added.erase(added.begin());
+    EXPECT_EQ(GetParam().m_added, added);
+}
+
+AddRow const s_adds[] = {
+    {"WithoutABase", "t", nullptr, true, false, {"a", "sub/b"}},
+    {"WithoutSubfolders", "t", nullptr, false, false, {"a"}},
+    {"Flattened", "t", "", true, false, {"a", "b"}},
+    {"ByBackslash", ".\\t", ".", true, false, {"t/a", "t/sub/b"}},
+    {"Resolved", "t/../t", "t", true, true, {"a", "sub/b"}},
+    {"Missing", "missing", nullptr, true, false, {}},
+};
+INSTANTIATE_TEST_SUITE_P(Folders, NamesOfAFolder, testing::ValuesIn(s_adds), RowName());
+
+TEST_F(ARXZipFileTest, TakesTextOfBothKinds)
+{
+    writeTree({{"t/sub/b", ""}});
+    m_archive.create(I18NString("out.zip"));
+    m_archive.addDirectory(I18NString("t"), I18NString(""), true, false);
+    m_archive.addFile(I18NString("t\\sub\\b"), I18NString("t"));
+    m_archive.close();
+    EXPECT_EQ((Names{"b", "sub/b"}), namesIn("out.zip"));
+}
+
+TEST_F(ARXZipFileTest, SkipsWhatHasTheArchivesPathInIts)
+{
+    writeTree({{"t/a", ""}, {"t/out.zip.bak", ""}});
     m_archive.addDirectory("t", nullptr, true, false);  // before any create: the empty name is in every path
     m_archive.create("t/out.zip");
     m_archive.addDirectory("t", nullptr, true, false);
     m_archive.close();
     m_archive.addFile("t/out.zip", "");
-    EXPECT_EQ("a ", namesIn("t/out.zip"));
+    EXPECT_EQ(Names{"a"}, namesIn("t/out.zip"));
+}
 
+TEST_F(ARXZipFileTest, EndsWhereItAddsItselfByAnotherPath)
+{
+    writeTree({{"t/a", ""}});
     m_archive.create("t/../t/out.zip");
     m_archive.addDirectory("t", nullptr, true, true);
     m_archive.close();
-    EXPECT_EQ("a out.zip out.zip.bak ", namesIn("t/out.zip"));
+    EXPECT_EQ((Names{"a", "out.zip"}), namesIn("t/out.zip"));
     EXPECT_TRUE(run("unzip -t t/out.zip"));
 }
 
-TEST_F(ARXZipFileTest, DatesAreLocalTimeAndComeBackAloneOrNotAtAll)
+timespec const s_lastAccess = {1600000000, 123456789};
+std::time_t constexpr s_notSet = -1;
+
+void setTimes(std::time_t modified)
 {
-    if (access("/dev/shm", W_OK) != 0)
-        GTEST_SKIP() << "there is no /dev/shm, and other file systems hold fewer years";
-    setenv("TMPDIR", "/dev/shm", 0);
-    TemporaryFolder const folder;
-    unsetenv("TMPDIR");
-    CurrentFolder const current(folder.path());
-    struct stat status;
-    auto const setTimes = [](std::time_t time)
+    timespec const times[] = {s_lastAccess, {modified, 0}};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, "f", times, 0));
+}
+
+// Extracts f over an older file, whose last access stays. Returns its time, or s_notSet for that of writing.
+std::time_t extractedTime()
+{
+    setTimes(1600000000);
+    EXPECT_TRUE(ARXUnzipFile::unzip("out.zip", nullptr, false));
+    struct stat status
     {
-        timespec const times[] = {{time, 123456789}, {time, 0}};
-        ASSERT_EQ(0, utimensat(AT_FDCWD, "f", times, 0));
     };
-    auto const unzip = [&]
-    {
-        setTimes(1600000000);
-        ASSERT_TRUE(ARXUnzipFile::unzip("out.zip", nullptr, false) && stat("f", &status) == 0);
-        EXPECT_TRUE(status.st_atim.tv_sec == 1600000000 && status.st_atim.tv_nsec == 123456789);
-    };
+    EXPECT_EQ(0, stat("f", &status));
+    EXPECT_EQ(s_lastAccess.tv_nsec, status.st_atim.tv_nsec);
+    return status.st_mtime == status.st_ctime ? s_notSet : status.st_mtime;
+}
+
+struct DateRow
+{
+    char const* m_name;
+    char const* m_zone;
+    std::time_t m_time;
+    unsigned m_dosDate;
+    std::time_t m_extracted;
+};
+
+// One process for all rows: the zone changes while it runs.
+TEST_F(ARXZipFileTest, StoresDatesAsLocalTime)
+{
     char const* const newYork = "EST5EDT,M3.2.0,M11.1.0";
-    std::tuple<char const*, std::time_t, unsigned, std::time_t> const dates[] = {
-        {"IST-5:30", 1700000001, 0x576F1D6A, 1700000000},  // 2023-11-15 03:43:20
-        {newYork, 1678604398, 0x566C0F7D, 1678604398},     // 2023-03-12 01:59:58, and then
-        {newYork, 1678604400, 0x566C1800, 1678604400},     // 03:00:00
-        {newYork, 1699167600, 0x57651000, 1699167600},     // 2023-11-05 02:00:00, after 01:00:00 came twice
-        {"UTC0", 4102444800, 0xF0210000, 4102444800},      // 2100-01-01
-        {"UTC0", 0, 0x8C210000, 2524608000},               // comes out as 2050-01-01
-        {"UTC0", INT64_MAX / 2, 0x00210000, 315532800}};   // as 1980-01-01
-    for (auto const& [zone, time, dosDate, back] : dates)
+    DateRow const rows[] = {
+        {"HalfHourZone", "IST-5:30", 1700000001, 0x576F1D6A, 1700000000},  // 2023-11-15 03:43:20
+        {"NegativeHalfHourZone", "NST3:30", 1700000000, 0x576E956A, 1700000000},
+        {"LastSecondsOfWinter", newYork, 1678604398, 0x566C0F7D, 1678604398},
+        {"FirstSecondOfSummer", newYork, 1678604400, 0x566C1800, 1678604400},
+        {"AfterAnHourThatCameTwice", newYork, 1699167600, 0x57651000, 1699167600},
+        {"NoLeapDayIn2100", "UTC0", 4107542400, 0xF0610000, 4107542400},
+        {"LastSecondsOf2107", "UTC0", 4354819198, 0xFF9FBF7D, 4354819198},
+        {"First2108", "UTC0", 4354819200, 0xFFFFFFFF, s_notSet},
+        {"Epoch", "UTC0", 0, 0x8C210000, 2524608000},  // 2050-01-01
+    };
+    for (DateRow const& row : rows)
     {
-        setenv("TZ", zone, 1);
+        SCOPED_TRACE(row.m_name);
+        setenv("TZ", row.m_zone, 1);
         writeTree({{"f", "x"}});
-        setTimes(time);
-        m_archive.create("out.zip"), m_archive.addFile("f", nullptr), m_archive.close();
+        setTimes(row.m_time);
+        m_archive.create("out.zip");
+        m_archive.addFile("f", nullptr);
+        m_archive.close();
         ARXZipInputStream::zipEntry entry;
         ARXZipInputStream("out.zip").getCurrentEntryInfo(entry);
-        unzip();
-        EXPECT_TRUE(entry.dosDate == dosDate && status.st_mtime == back) << zone << time;
-    }
-    // 30 February, month 0, and hour 24 are no dates: the time of the writing stays.
-    for (char const* date : {"\xD4\xB6\x5E\x5A", "\xD4\xB6\x11\x5A", "\xD4\xC6\x51\x5A"})
-    {
-        makeArchive({"f"}, {{12, date}});
-        unzip();
-        EXPECT_EQ(status.st_ctime, status.st_mtime);
+        EXPECT_EQ(row.m_dosDate, entry.dosDate);
+        EXPECT_EQ(row.m_extracted, extractedTime());
     }
 }
 
-TEST_F(ARXZipFileTest, EntriesAndArchivesAreFinishedByWhatComesNext)
+TEST_F(ARXZipFileTest, WhatIsNoDateIsNotSet)
+{
+    // 30 February, month 0, hour 24.
+    for (char const* date : {"\xD4\xB6\x5E\x5A", "\xD4\xB6\x11\x5A", "\xD4\xC6\x51\x5A"})
+    {
+        writeTree({{"f", ""}});
+        makeArchive({"f"}, {{12, date}});
+        EXPECT_EQ(s_notSet, extractedTime());
+    }
+}
+
+TEST_F(ARXZipFileTest, FinishesWhatIsOpenBeforeWhatComesNext)
 {
     {
         ARXZipFile archive;
@@ -169,18 +246,71 @@ TEST_F(ARXZipFileTest, EntriesAndArchivesAreFinishedByWhatComesNext)
         archive.openNewFileInZip("stored", nullptr, nullptr, static_cast<ARXZipFile::compressMethod_t>(8), 9);
         write(archive, "12345");
         archive.writeInFileInZip(nullptr, 0);  // leaves the running checksum alone
-        open(archive, "deflated"), write(archive, "12345");
+        open(archive, "deflated");
+        write(archive, "12345");
         archive.create("two.zip");
         open(archive, "left open");
     }
     EXPECT_TRUE(run("unzip -t one.zip && unzip -t two.zip"));
     EXPECT_EQ((Tree{{"stored", "12345"}, {"deflated", "12345"}}), readStream(ARXZipInputStream("one.zip")));
     EXPECT_EQ(0, readAll("one.zip")[8]);  // the first entry's method
+}
 
+TEST_F(ARXZipFileTest, ReportsAFullDisk)
+{
     m_archive.create("/dev/full");
     open(m_archive, "n", 0);
     EXPECT_EQ("NEB_ASSERT(nRet == ZIP_OK); x1",
               failureOf([&] { write(m_archive, std::string(500000, 'x')); }));
     EXPECT_EQ("none", failureOf([&] { m_archive.close(); }));
+}
+
+TEST_F(ARXZipFileTest, RefusesAPieceThatTakesTheEntryPast4GiB)
+{
+    unsigned constexpr size = 0xFFFFFFFE;
+    int const flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+    auto* const data = static_cast<unsigned char*>(mmap(nullptr, size, PROT_READ, flags, -1, 0));
+    m_archive.create("out.zip");
+    open(m_archive, "n", 1);
+    write(m_archive, "x");
+    EXPECT_EQ("NEB_ASSERT(nRet == ZIP_OK); x1", failureOf([&] { m_archive.writeInFileInZip(data, size); }));
+    munmap(data, size);
+}
+
+// A sparse file stands for an archive that has grown.
+TEST_F(ARXZipFileTest, RefusesWhatTakesTheArchivePast4GiB)
+{
+    m_archive.create("out.zip");
+    open(m_archive, "n");
+    std::filesystem::resize_file("out.zip", 0xFFE00000);
+    write(m_archive, "x");
+    std::filesystem::resize_file("out.zip", 0xFFF00000);
+    EXPECT_EQ("NEB_ASSERT(nRet == ZIP_OK); x1", failureOf([&] { write(m_archive, "x"); }));
+    EXPECT_EQ(notOpened("-102") + " x1", failureOf([&] { open(m_archive, "next"); }));
+}
+
+// docs/formats.md explains these bytes. An empty file is deflated to the same two bytes by every zlib.
+TEST_F(ARXZipFileTest, WritesTheSameBytesEverywhere)
+{
+    setenv("TZ", "IST-5:30", 1);
+    writeTree({{"f", ""}});
+    setTimes(1700000001);
+    I18NString const comment("c\xC3\xA9");
+    m_archive.create(I18NString("out.zip"));
+    m_archive.openNewFileInZip("a/\xC3\xA9", nullptr, &comment, ARXZipFile::compressStored, 0);
+    write(m_archive, "12345");
+    m_archive.addFile(I18NString(".\\f"), I18NString("."));
+    m_archive.close();
+    std::string hex;
+    for (unsigned char const byte : readAll("out.zip"))
+        hex += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
+    EXPECT_EQ(
+        "504b0304140000000000000000001c3af5cb050000000500000004000000612fc3a93132333435"
+        "504b03041400000008006a1d6f5700000000020000000000000001000000660300"
+        "504b01020000140000000000000000001c3af5cb0500000005000000040000000300000000000000000000000000612fc3a9"
+        "63c3a9"
+        "504b010200001400000008006a1d6f570000000002000000000000000100000000000000000000000000270000006"
+        "6504b0506000000000200020064000000480000000000",
+        hex);
 }
 }  // namespace

@@ -1,5 +1,8 @@
 #include "zip/ARXZipInputStream.h"
 
+#include <fcntl.h>
+#include <malloc.h>
+
 #include <minizip/ioapi.h>
 
 #include "NEBCore/NEBByteBuffer.h"
@@ -93,10 +96,79 @@ TEST_F(ARXZipInputStreamTest, AllFormsReadUpToTheEndAndNoFurther)
     EXPECT_THROW(stream.reset(), char const*);
 }
 
+// A host's table over memory that counts its open streams. The n-th of its reads and seeks raises.
+struct RaisingTable : zlib_filefunc_def_s
+{
+    RaisingTable(std::string const& bytes, int n) : m_buffer{bytes.data(), bytes.size(), 0}, m_callsLeft(n)
+    {
+        fillZlibConstCharIO(this, &m_buffer);
+        m_memory = *this;
+        opaque = this;
+        zopen_file = [](voidpf self, char const* name, int mode)
+        { return of(self).m_memory.zopen_file(of(self).changeOpen(1), name, mode); };
+        zclose_file = [](voidpf self, voidpf) { return of(self).changeOpen(-1) ? 0 : -1; };
+        zread_file = [](voidpf self, voidpf stream, void* buf, uLong size)
+        { return of(self).countCall().zread_file(nullptr, stream, buf, size); };
+        zseek_file = [](voidpf self, voidpf stream, uLong offset, int origin)
+        { return of(self).countCall().zseek_file(nullptr, stream, offset, origin); };
+    }
+    static RaisingTable& of(voidpf self) { return *static_cast<RaisingTable*>(self); }
+    ZipCharBuffer* changeOpen(int by)
+    {
+        m_open += by;
+        return &m_buffer;
+    }
+    zlib_filefunc_def_s& countCall()
+    {
+        if (--m_callsLeft == 0)
+            throw std::runtime_error("raised");
+        return m_memory;
+    }
+
+    zlib_filefunc_def_s m_memory;
+    ZipCharBuffer m_buffer;
+    int m_callsLeft;
+    int m_open = 0;
+};
+
+// Every call of a walk raises once. The second round must need no more memory than the first.
+TEST_F(ARXZipInputStreamTest, AnExceptionOfAHostsTableLeavesNothingBehind)
+{
+    makeArchive({"first", "second"});
+    std::string const bytes = readAll("out.zip");
+    std::size_t memory[2];
+    for (std::size_t& used : memory)
+    {
+        std::string raised = "raised";
+        for (int n = 1; raised != "none"; ++n)
+        {
+            RaisingTable table(bytes, n);
+            raised = failureOf([&] { EXPECT_EQ(2u, readStream(Stream(&table)).size()); });
+            EXPECT_TRUE(raised == "none" || raised.find("raised") != std::string::npos) << raised;
+            EXPECT_EQ(0, table.m_open) << n;
+        }
+        used = mallinfo2().uordblks;
+    }
+    EXPECT_EQ(memory[0], memory[1]);
+}
+
+TEST_F(ARXZipInputStreamTest, ANamedFileIsClosedInChildProcesses)
+{
+    makeArchive({"a"});
+    Stream const stream("out.zip");
+    for (auto const& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    {
+        std::error_code gone;
+        bool const isArchive = std::filesystem::read_symlink(entry, gone).filename() == "out.zip";
+        EXPECT_TRUE(!isArchive || fcntl(std::stoi(entry.path().filename()), F_GETFD) == FD_CLOEXEC);
+    }
+}
+
 TEST_F(ARXZipInputStreamTest, NamesHaveLimitsAndEitherSeparator)
 {
     std::string const tooLong =
-        "NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than data structure "
+        "NEB_ASSERT_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than data "
+        "structure "
         "used to hold it.\"); x1";
     for (std::size_t const length : {258u, 259u, 260u})
     {

@@ -13,6 +13,7 @@
 
 #include "NEBCore/I18NString.h"
 #include "support/Raised.h"
+#include "support/Rows.h"
 #include "support/TemporaryFolder.h"
 #include "zip/ARXUnzipFile.h"
 #include "zip/ARXZipFile.h"
@@ -97,7 +98,7 @@ inline Tree readStream(ARXZipInputStream&& stream)
     return tree;
 }
 
-// The message, behind its class unless it is an assertion, the operation, and how many places the error
+// The message, after its class unless it is an assertion, the operation, and how many places the error
 // passed.
 inline std::string failureOf(std::function<void()> const& call)
 {
