@@ -58,8 +58,8 @@ void ours(benchmark::State& state)
     NEBUtHRTimer::terminate();
 }
 
-// The system calls that can't be left out: each of the two changes first asks for the set that holds, which it
-// returns, and then makes the change unless that set is the wanted one.
+// The system calls that can't be left out: the set that the thread has, and where it is another one the
+// change and the change back.
 void limitCalls(benchmark::State& state)
 {
     Placed const placed(state.range(0));
@@ -73,8 +73,6 @@ void limitCalls(benchmark::State& state)
         if (state.range(0) != boundThere)
             sched_setaffinity(0, sizeof(unsigned long), &placed.m_first);
         clock_gettime(CLOCK_MONOTONIC, &now);
-        cpu_set_t held;
-        sched_getaffinity(0, sizeof(unsigned long), &held);
         if (state.range(0) != boundThere)
             sched_setaffinity(0, sizeof(unsigned long), &former);
         benchmark::DoNotOptimize(now);

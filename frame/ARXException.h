@@ -14,7 +14,7 @@
 class ARXIUM_API ARXException : public NEBException
 {
 public:
-    ARXException(ARXException const& other) noexcept;
+    ARXException(ARXException const& other);
     explicit ARXException(std::int32_t code);
     ARXException(NEBSeverity severity, std::int32_t code);
     // UTF-8; becomes a message.
@@ -25,7 +25,7 @@ public:
     ARXException(NEBException const& source, NEBMessageBase const* message);
     ~ARXException() override;
 
-    ARXException& operator=(ARXException const& other) noexcept;
+    ARXException& operator=(ARXException const& other);
 
     // Owned by the caller. Raises NEBOutOfMemoryError without memory.
     NEBThrowable* clone() const override;

@@ -1,9 +1,6 @@
 #include "NEBCore/NEBException.h"
 
-#include <utility>
-
 #include "NEBCore/I18NString.h"
-#include "NEBCore/NEBIndent.h"
 #include "NEBCore/NEBMessageString.h"
 
 namespace
@@ -70,15 +67,16 @@ char const* NEBException::getMessage() const
 
 void NEBException::toString(char const* first, char const* second, I18NString& result, int indent)
 {
-    I18NString text = indented(getThrowableName(), indent);
+    result.remove();
+    result.append(u' ', indent);
+    result.append(I18NString(getThrowableName()));
     for (NEBMessageBase* message : getMessages())
     {
         I18NString line;
         message->toString(first, second, line, indent + 2);
-        text.append(u'\n', 1);
-        text.append(line);
+        result.append(u'\n', 1);
+        result.append(line);
     }
-    result = std::move(text);
 }
 
 NEBException& NEBException::operator<<(NEBMessageBase const& message)

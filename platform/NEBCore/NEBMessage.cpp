@@ -3,7 +3,6 @@
 #include <cstring>
 #include <string>
 
-#include "NEBCore/NEBIndent.h"
 #include "NEBCore/NEBMessageCatalogue.h"
 
 namespace
@@ -55,9 +54,9 @@ void NEBMessage::format(char const* first, char const* second, I18NString& resul
 
 void NEBMessage::toString(char const* first, char const* second, I18NString& result, int indent)
 {
-    I18NString text;
-    format(first, second, text);
-    result = indented(text.c_str(), indent);
+    result.remove();
+    result.append(u' ', indent);
+    format(first, second, result);
 }
 
 I18NString const& NEBMessage::getMsgFile() const

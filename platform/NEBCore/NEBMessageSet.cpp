@@ -1,7 +1,5 @@
 #include "NEBCore/NEBMessageSet.h"
 
-#include <memory>
-
 NEBMessageSet::~NEBMessageSet() = default;
 
 void NEBMessageSet::addMessage(NEBMessageBase const& message)
@@ -16,5 +14,8 @@ void NEBMessageSet::transferMessages(NEBMessageSet const& source)
 
 std::vector<NEBMessageBase*> NEBMessageSet::getMessages() const
 {
-    return m_messages.entries();
+    std::vector<NEBMessageBase*> messages;
+    for (auto const* message : m_messages.entries())
+        messages.push_back(message->get());
+    return messages;
 }

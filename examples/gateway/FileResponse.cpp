@@ -1,0 +1,149 @@
+#include "FileResponse.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <optional>
+
+#include "Text.h"
+
+namespace
+{
+struct Type
+{
+    char const* m_name;
+    bool m_isShown;  // by the browser itself; other files are saved
+};
+
+Type findType(std::string const& fileName)
+{
+    static std::map<std::string, Type> const types{
+        {"css", {"text/css", false}},          {"csv", {"text/csv", false}},
+        {"gif", {"image/gif", true}},          {"html", {"text/html", false}},
+        {"jpeg", {"image/jpeg", true}},        {"jpg", {"image/jpeg", true}},
+        {"json", {"application/json", false}}, {"mp3", {"audio/mpeg", true}},
+        {"mp4", {"video/mp4", true}},          {"pdf", {"application/pdf", true}},
+        {"png", {"image/png", true}},          {"svg", {"image/svg+xml", false}},
+        {"txt", {"text/plain", true}},         {"wav", {"audio/wav", true}},
+        {"webm", {"video/webm", true}},        {"webp", {"image/webp", true}},
+        {"xml", {"application/xml", false}},   {"zip", {"application/zip", false}}};
+    std::string extension = fileName.substr(fileName.rfind('.') + 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    auto const found = types.find(extension);
+    return found != types.end() ? found->second : Type{"application/octet-stream", false};
+}
+
+struct Part
+{
+    std::uint64_t m_first;
+    std::uint64_t m_length;
+};
+
+// What a range takes of size bytes; nothing if it lies beyond them. An end that is left out is negative.
+std::optional<Part> resolve(httplib::Range const& range, std::uint64_t size)
+{
+    auto const last = static_cast<std::uint64_t>(range.second);
+    if (range.first < 0)
+    {
+        std::uint64_t const length = std::min(last, size);
+        return length != 0 ? std::optional(Part{size - length, length}) : std::nullopt;
+    }
+    auto const first = static_cast<std::uint64_t>(range.first);
+    if (first >= size)
+        return std::nullopt;
+    return Part{first, (range.second < 0 ? size - 1 : std::min(last, size - 1)) - first + 1};
+}
+
+// An If-Range that is a date doesn't count: a file may change twice in a second.
+bool isRangeWanted(httplib::Request const& request, httplib::Ranges const& ranges, std::string const& etag)
+{
+    return request.method == "GET" && ranges.size() == 1 && (ranges[0].first >= 0 || ranges[0].second >= 0) &&
+           (!request.has_header("If-Range") || request.get_header_value("If-Range") == etag);
+}
+
+// The status of a condition that ends the request early, else 200.
+int checkConditions(httplib::Request const& request, std::string const& etag, std::string const& modified)
+{
+    auto const lists = [&](char const* header)
+    {
+        std::string const value = request.get_header_value(header);
+        return value == "*" || value.find(etag) != std::string::npos;
+    };
+    if (request.has_header("If-Match") && !lists("If-Match"))
+        return 412;
+    if (request.has_header("If-None-Match"))
+        return lists("If-None-Match") ? 304 : 200;
+    return request.get_header_value("If-Modified-Since") == modified ? 304 : 200;
+}
+}  // namespace
+
+// Both forms of RFC 6266: old clients take the first, all others the second.
+void describeFile(std::string const& name, httplib::Response& response)
+{
+    Type const type = findType(name);
+    std::string plain = name;
+    std::replace_if(
+        plain.begin(), plain.end(), [](char c) { return c < ' ' || c > '~' || c == '"' || c == '%'; }, '_');
+    response.set_header("Content-Type", type.m_name);
+    response.set_header("Content-Disposition", std::string(type.m_isShown ? "inline" : "attachment") +
+                                                   "; filename=\"" + plain + "\"; filename*=UTF-8''" +
+                                                   percentEncode(name));
+}
+
+void respondWithFile(httplib::Request const& request, httplib::Ranges const& ranges,
+                     std::shared_ptr<StoredFile const> const& file, Journal& journal,
+                     httplib::Response& response)
+{
+    std::string const etag = file->getETag();
+    std::string const modified = formatTime("%a, %d %b %Y %H:%M:%S GMT", file->getModified());
+    response.set_header("ETag", etag);
+    response.set_header("Last-Modified", modified);
+    response.set_header("Accept-Ranges", "bytes");
+    response.set_header("Cache-Control",
+                        "private, no-cache");  // kept by the browser, asked for again each time
+
+    response.status = checkConditions(request, etag, modified);
+    if (response.status != 200)
+        return;
+    std::string const size = std::to_string(file->getSize());
+    if (!isRangeWanted(request, ranges, etag))
+        return sendBytes(file, 0, file->getSize(), journal, response);
+    std::optional<Part> const part = resolve(ranges[0], file->getSize());
+    response.status = part ? 206 : 416;
+    if (!part)
+        return response.set_header("Content-Range", "bytes */" + size);
+    response.set_header("Content-Range", "bytes " + std::to_string(part->m_first) + "-" +
+                                             std::to_string(part->m_first + part->m_length - 1) + "/" + size);
+    sendBytes(file, part->m_first, part->m_length, journal, response);
+}
+
+// One call of the provider writes all: the server's stop waits for it, but would cut the body between two
+// calls. An exception that left it would end the process.
+void sendBytes(std::shared_ptr<StoredFile const> const& file, std::uint64_t first, std::uint64_t length,
+               Journal& journal, httplib::Response& response)
+{
+    response.set_header("Content-Length", std::to_string(length));
+    std::string const type = response.get_header_value("Content-Type");
+    response.set_content_provider(type,
+                                  [=, &journal](std::size_t, httplib::DataSink& sink)
+                                  {
+                                      auto const send = [&](char const* data, std::size_t size)
+                                      {
+                                          bool const sent = sink.write(data, size);
+                                          journal.countSent(sent ? size : 0);
+                                          return sent;
+                                      };
+                                      sink.done();
+                                      try
+                                      {
+                                          return file->read(first, length, send);
+                                      }
+                                      catch (...)
+                                      {
+                                          std::fprintf(stderr, "arxgate: %s\n",
+                                                       describeCurrentException().c_str());
+                                          return false;
+                                      }
+                                  });
+}

@@ -1,0 +1,69 @@
+// The routes of the gateway.
+//
+//     GET  /                   the files of the root as signed links, or the login
+//     POST /session            begins a session:  user=NAME&password=PASSWORD
+//     POST /logout             ends it
+//     GET  /gateway?...        a file of the root
+//     GET  /download.zip?...   a folder of the root
+//     POST /upload             stores a file (multipart/form-data: store, which is "sealed" or "plain"; file)
+//     GET  /metrics            for Prometheus; needs no session, so keep it from the outside
+//
+// A signed link names a file and a session. It is made again and compared as a whole.
+
+#ifndef ARXGATE_GATEWAY_H
+#define ARXGATE_GATEWAY_H
+
+#include <string>
+
+#include <httplib.h>
+
+#include "Descriptor.h"
+#include "Journal.h"
+#include "Sessions.h"
+
+class Gateway
+{
+public:
+    // root is the folder of the stored files. accelPrefix: see --accel; empty without.
+    Gateway(std::string const& root, std::string const& usersFile, std::string accelPrefix);
+
+    // Both must outlive the server's work.
+    void install(httplib::Server& server);
+
+private:
+    struct Exchange
+    {
+        httplib::Request const& m_request;
+        httplib::Ranges m_ranges;
+        httplib::Response& m_response;
+        httplib::ContentReader const* m_body;  // null for methods without
+        std::string m_session;
+        bool m_isBodyRead = false;
+    };
+    struct Route
+    {
+        char const* m_path;
+        char const* m_methods;
+        void (Gateway::*m_serve)(Exchange& exchange);
+    };
+
+    void dispatch(httplib::Request const& request, httplib::Response& response,
+                  httplib::ContentReader const* body);
+    void serve(Exchange& exchange);
+    void showPage(Exchange& exchange);
+    void logIn(Exchange& exchange);
+    void logOut(Exchange& exchange);
+    void serveFile(Exchange& exchange);
+    void serveFolder(Exchange& exchange);
+    void upload(Exchange& exchange);
+    void showMetrics(Exchange& exchange);
+
+    static Route const s_routes[];
+
+    Descriptor m_root;
+    std::string m_accelPrefix;
+    Sessions m_sessions;
+    Journal m_journal;
+};
+
+#endif

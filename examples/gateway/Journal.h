@@ -1,0 +1,36 @@
+// Counts and logs requests.
+//
+// A thread begins, serves and ends one request at a time; any number of threads may do so.
+
+#ifndef ARXGATE_JOURNAL_H
+#define ARXGATE_JOURNAL_H
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include <httplib.h>
+
+class Journal
+{
+public:
+    void begin();
+    void countSent(std::size_t bytes);
+    void countStored(std::size_t bytes) { m_stored += bytes; }
+    // Writes a line in the common log format on standard error. Its size is that of the body as it was sent,
+    // also where the response broke off.
+    void end(httplib::Request const& request, httplib::Response const& response);
+
+    // In the text format of Prometheus.
+    std::string format() const;
+
+private:
+    std::array<std::atomic<std::uint64_t>, 600> m_requests{};  // by status
+    std::atomic<std::uint64_t> m_sent{0};
+    std::atomic<std::uint64_t> m_stored{0};
+    std::atomic<std::uint64_t> m_microseconds{0};
+};
+
+#endif

@@ -1,0 +1,101 @@
+#include "Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <exception>
+
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+
+#include "NEBCore/NEBThrowable.h"
+
+std::string toHex(void const* data, std::size_t size)
+{
+    auto const* const bytes = static_cast<unsigned char const*>(data);
+    std::string text;
+    for (std::size_t i = 0; i < size; ++i)
+    {
+        text += "0123456789abcdef"[bytes[i] >> 4];
+        text += "0123456789abcdef"[bytes[i] & 15];
+    }
+    return text;
+}
+
+std::string percentEncode(std::string const& text)
+{
+    std::string encoded;
+    for (char const c : text)
+    {
+        bool const plain = std::isalnum(static_cast<unsigned char>(c)) != 0 || std::strchr("-._~", c);
+        encoded += plain ? std::string(1, c) : "%" + toHex(&c, 1);
+    }
+    return encoded;
+}
+
+std::string decodeWeb64(std::string text)
+{
+    std::size_t const padding = (4 - text.size() % 4) % 4;
+    if (text.empty() || text.find_first_of("+/=") != std::string::npos)
+        return "";
+    std::replace(text.begin(), text.end(), '-', '+');
+    std::replace(text.begin(), text.end(), '_', '/');
+    text.append(padding, '=');
+    std::string bytes(text.size() / 4 * 3, '\0');
+    int const size =
+        EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
+                        reinterpret_cast<unsigned char const*>(text.data()), static_cast<int>(text.size()));
+    bytes.resize(size < 0 || padding == 3 ? 0 : static_cast<std::size_t>(size) - padding);
+    return bytes;
+}
+
+std::string findCookie(std::string const& cookies, std::string const& name)
+{
+    std::size_t const begin = ("; " + cookies).find("; " + name + "=");
+    if (begin == std::string::npos)
+        return "";
+    std::size_t const value = begin + name.size() + 1;
+    return cookies.substr(value, cookies.find(';', value) - value);
+}
+
+bool isEqual(std::string const& left, std::string const& right)
+{
+    return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
+}
+
+std::string formatTime(char const* format, std::time_t time)
+{
+    std::tm fields{};
+    ::gmtime_r(&time, &fields);
+    std::array<char, 64> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), format, &fields)};
+}
+
+std::string groupDigits(std::uint64_t number)
+{
+    std::string text = std::to_string(number);
+    for (std::size_t end = text.size(); end > 3; end -= 3)
+        text.insert(end - 3, 1, ' ');
+    return text;
+}
+
+std::string describeCurrentException()
+{
+    try
+    {
+        throw;
+    }
+    catch (NEBThrowable& error)
+    {
+        return error.toString();
+    }
+    catch (std::exception const& error)
+    {
+        return error.what();
+    }
+    catch (...)
+    {
+        return "an exception of unknown type";
+    }
+}

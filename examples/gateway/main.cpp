@@ -1,0 +1,167 @@
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include <sys/socket.h>
+#include <CLI/CLI.hpp>
+
+#include "NEBCFGAPI/NEBConfigurationStore.h"
+#include "frame/Arxium.h"
+#include "text/NEBUtHRTimer.h"
+
+#include "Gateway.h"
+#include "Text.h"
+
+namespace
+{
+struct Options
+{
+    std::string m_root;
+    std::string m_listen = "127.0.0.1:8080";
+    std::string m_config;
+    std::string m_users;
+    std::string m_certificate;
+    std::string m_key;
+    std::string m_accelPrefix;
+    std::string m_newUser;
+    std::size_t m_threads = 256;
+};
+
+void addOptions(CLI::App& app, Options& options)
+{
+    app.add_option("--root", options.m_root, "Folder of the stored files");
+    app.add_option("--listen", options.m_listen, "HOST:PORT; port 0 chooses a free one")
+        ->capture_default_str();
+    app.add_option("--config", options.m_config, "Settings of the library, a line key=value each");
+    app.add_option("--users", options.m_users, "Who may log in, a line of --hash-password each");
+    CLI::Option* const certificate = app.add_option("--tls-cert", options.m_certificate, "Certificates, PEM");
+    app.add_option("--tls-key", options.m_key, "Private key of the certificate, PEM")->needs(certificate);
+    app.add_option("--accel", options.m_accelPrefix,
+                   "Let nginx send plain files: X-Accel-Redirect with this prefix");
+    app.add_option("--threads", options.m_threads, "Connections served at once")->capture_default_str();
+    app.add_option("--hash-password", options.m_newUser,
+                   "Print this user's line for --users; the password is read from standard input");
+}
+
+class RunningLibrary
+{
+public:
+    RunningLibrary()
+    {
+        Arxium::initialize();
+        NEBUtHRTimer::initialize();
+    }
+    ~RunningLibrary()
+    {
+        NEBUtHRTimer::terminate();
+        Arxium::terminate();
+    }
+    RunningLibrary(RunningLibrary const&) = delete;
+    RunningLibrary& operator=(RunningLibrary const&) = delete;
+};
+
+std::unique_ptr<httplib::Server> makeServer(Options const& options)
+{
+    if (options.m_certificate.empty())
+        return std::make_unique<httplib::Server>();
+    auto server = std::make_unique<httplib::SSLServer>(options.m_certificate.c_str(), options.m_key.c_str());
+    if (!server->is_valid())
+        throw std::runtime_error(options.m_certificate + ": no certificate with its key");
+    return server;
+}
+
+// Returns the port. The server asks for a queue of 5 connections only, so its socket listens once more.
+int bind(httplib::Server& server, std::string const& address)
+{
+    std::size_t const colon = address.rfind(':');
+    if (colon == std::string::npos)
+        throw std::runtime_error(address + ": no HOST:PORT");
+    std::string const host = address.substr(0, colon);
+    int port = std::stoi(address.substr(colon + 1));
+    int listener = -1;
+    server.set_socket_options(
+        [&listener](int socket)
+        {
+            int const yes = 1;
+            ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+            listener = socket;
+        });
+    if (port == 0)
+        port = server.bind_to_any_port(host);
+    else if (!server.bind_to_port(host, port))
+        port = -1;
+    if (port < 0 || ::listen(listener, SOMAXCONN) != 0)
+        throw std::runtime_error(address + ": can't be listened to");
+    return port;
+}
+
+// Ends by SIGTERM or SIGINT, after the requests in flight.
+void serve(Options const& options)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // in all threads; one waits for them
+
+    Gateway gateway(options.m_root, options.m_users, options.m_accelPrefix);
+    auto const server = makeServer(options);
+    server->new_task_queue = [&options] { return new httplib::ThreadPool(options.m_threads); };
+    server->set_keep_alive_max_count(1000000);
+    server->set_write_timeout(60);
+    server->set_read_timeout(60);
+    server->set_tcp_nodelay(true);
+    gateway.install(*server);
+    std::printf("arxgate listens on port %d\n", bind(*server, options.m_listen));
+    std::fflush(stdout);
+
+    std::thread waiter(
+        [&]
+        {
+            int signal = 0;
+            sigwait(&signals, &signal);
+            server->stop();
+        });
+    server->listen_after_bind();
+    waiter.join();
+}
+
+int run(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("Serves stored files by signed links.", "arxgate");
+    addOptions(app, options);
+    CLI11_PARSE(app, argc, argv);
+
+    if (!options.m_newUser.empty())
+    {
+        std::string password;
+        std::getline(std::cin, password);
+        std::cout << makeUserLine(options.m_newUser, password) << '\n';
+        return 0;
+    }
+    if (options.m_root.empty() || options.m_users.empty())
+        throw std::runtime_error("--root and --users are needed");
+    if (!options.m_config.empty())
+        NEBConfigurationStore::getStore().load(options.m_config);
+    RunningLibrary const library;
+    serve(options);
+    return 0;
+}
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try
+    {
+        return run(argc, argv);
+    }
+    catch (...)
+    {
+        std::fprintf(stderr, "arxgate: %s\n", describeCurrentException().c_str());
+        return 1;
+    }
+}

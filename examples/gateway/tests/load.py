@@ -1,0 +1,144 @@
+"""Requests a second, latency, memory and failover. Usage: ARXGATE=PROGRAM python3 load.py [SECONDS]"""
+
+import base64
+import hashlib
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+
+from gate import Gate, Site
+
+FILES = 100
+SECONDS = int(sys.argv[1]) if len(sys.argv) > 1 else 5
+PATHS_SCRIPT = """
+local paths, next = {}, 0
+function init(arguments)
+    for path in io.lines(arguments[1]) do paths[#paths + 1] = path end
+end
+function request()
+    next = next % #paths + 1
+    return wrk.format(nil, paths[next])
+end
+"""
+NGINX = """
+user root;
+worker_processes auto;
+pid nginx.pid;
+error_log error.log warn;
+events {{ worker_connections 4096; }}
+http {{
+    access_log access.log;
+    client_body_temp_path temporary; proxy_temp_path temporary; fastcgi_temp_path temporary;
+    uwsgi_temp_path temporary; scgi_temp_path temporary;
+    sendfile on;
+    keepalive_requests 1000000;
+    upstream plain {{ server {plain}; keepalive 64; keepalive_requests 1000000; keepalive_timeout 4s; }}
+    upstream accel {{ server {accel}; keepalive 64; keepalive_requests 1000000; keepalive_timeout 4s; }}
+    proxy_http_version 1.1;
+    proxy_set_header Connection "";
+    server {{
+        listen 127.0.0.1:9001;
+        root "{root}";
+        location / {{
+            secure_link $arg_md5;
+            secure_link_md5 "$uri$cookie_arxgate secret";
+            if ($secure_link = "") {{ return 403; }}
+        }}
+    }}
+    server {{ listen 127.0.0.1:9002; location / {{ proxy_pass http://plain; }} }}
+    server {{
+        listen 127.0.0.1:9003;
+        location / {{ proxy_pass http://accel; }}
+        location /plain/ {{ internal; alias "{root}/"; }}
+    }}
+}}
+"""
+
+
+def measure(url, paths, cookie, connections=200, seconds=SECONDS, meanwhile=None):
+    """The output of wrk, which asks for all paths in turn."""
+    with open("paths", "w") as file:
+        file.write("\n".join(paths) + "\n")
+    with open("paths.lua", "w") as file:
+        file.write(PATHS_SCRIPT)
+    with subprocess.Popen(["wrk", "-t1", f"-c{connections}", f"-d{seconds}", "--latency", "-H", f"Cookie: {cookie}",
+                           "-s", "paths.lua", url, "--", "paths"], stdout=subprocess.PIPE, text=True) as wrk:
+        if meanwhile:
+            meanwhile()
+        return wrk.stdout.read()
+
+
+def report(name, output):
+    rate = float(re.search(r"Requests/sec: *([0-9.]+)", output)[1])
+    latency = re.search(r" 50% *(\S+)(?:.|\n)* 99% *(\S+)", output)
+    failed = " ".join(re.findall(r"(?:Non-2xx|Socket errors).*", output)) or "no failed request"
+    print(f"{name:40} {rate:8.0f} requests/s, half below {latency[1]}, 99 % below {latency[2]}, {failed}", flush=True)
+
+
+def read_memory(pid):
+    with open(f"/proc/{pid}/status") as status:
+        return int(re.search(r"VmRSS:\s*(\d+)", status.read())[1])
+
+
+def compare_with_secure_link(site):
+    plain, accel = Gate(site), Gate(site, "--accel", "/plain/")
+    plain.log_in()
+    links = list(plain.links().values())
+    with open("nginx.conf", "w") as file:
+        file.write(NGINX.format(plain=plain.url[7:], accel=accel.url[7:], root=site.root))
+    os.mkdir("temporary")
+    nginx = subprocess.Popen(["nginx", "-p", os.getcwd(), "-c", "nginx.conf", "-g", "daemon off;"])
+    time.sleep(1)
+    session = plain.cookie.partition("=")[2]
+    secure = []
+    for name in sorted(os.listdir(site.root)):
+        digest = hashlib.md5(f"/{name}{session} secret".encode()).digest()
+        secure.append(f"/{name}?md5=" + base64.urlsafe_b64encode(digest).decode().rstrip("="))
+    print(f"{FILES} files of 1 KiB, 200 connections, load {os.getloadavg()[0]:.1f} before", flush=True)
+    for _ in range(2):
+        for name, url, paths in [("nginx secure_link", "http://127.0.0.1:9001", secure), ("arxgate", plain.url, links),
+                                 ("nginx, arxgate", "http://127.0.0.1:9002", links),
+                                 ("nginx, arxgate with X-Accel-Redirect", "http://127.0.0.1:9003", links)]:
+            report(name, measure(url, paths, plain.cookie))
+    before, count = read_memory(plain.pid), 0
+    while count < 100000:
+        count += int(re.search(r"(\d+) requests in", measure(plain.url, links, plain.cookie))[1])
+    print(f"memory {before} KiB, {read_memory(plain.pid)} KiB after {count} more requests", flush=True)
+    nginx.terminate()
+    nginx.wait()
+    return plain.stop() + accel.stop()
+
+
+def kill_one_of_two(site):
+    here = os.path.dirname(os.path.abspath(__file__))
+    run = subprocess.Popen([os.path.join(here, "../compose/run"), os.environ["ARXGATE"], site.root],
+                           stdout=subprocess.PIPE, text=True)
+    while not (announced := re.search(r"password (\S+), logs in (\S+)", run.stdout.readline())):
+        pass
+    time.sleep(1)
+    gate = Gate(site)  # for its client alone
+    gate.url = "https://127.0.0.1:8443"
+    assert gate.log_in("demo", announced[1].replace("+", "%2B")).status == 303
+
+    def kill():
+        time.sleep(2)
+        with open(os.path.join(announced[2], "8081.pid")) as pid:
+            os.kill(int(pid.read()), signal.SIGKILL)
+
+    report("one of two killed and restarted", measure(gate.url, list(gate.links().values()), gate.cookie, 50, 8, kill))
+    gate.stop()
+    run.terminate()
+    run.wait()
+
+
+if __name__ == "__main__":
+    SITE = Site()
+    os.chdir(os.path.dirname(SITE.root))
+    for number in range(FILES):
+        SITE.store(f"file{number}.txt", os.urandom(1024))
+    compare_with_secure_link(SITE)
+    kill_one_of_two(SITE)
+    SITE.close()
