@@ -19,7 +19,6 @@ function(arxium_configure target)
         "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/="
         # Hardening as in Debian's own libraries. Checks of buffer sizes need an optimiser; sanitizers have their own.
         $<$<NOT:$<OR:$<CONFIG:Debug>,$<BOOL:${ARXIUM_SANITIZE}>>>:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
-    target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
     # The project's own libraries bring headers of the names that our stand-ins have too.
     get_property(own GLOBAL PROPERTY ARXIUM_OWN_LIBRARIES)
     foreach(library IN LISTS own)
@@ -33,20 +32,21 @@ function(arxium_configure target)
     endif()
 endfunction()
 
-# Where an installed target looks for our libraries at run time: at DIRECTORY, relative to the target, in the build tree
-# and wherever the tree is installed. Installing must not edit the run path: CMake would fill the room for the edit with
-# empty elements, which the loader takes for the current directory.
-function(arxium_set_run_path target directory)
+# What installed programs and libraries have in common. At run time they look for our libraries in DIRECTORY, relative
+# to themselves, in the build tree and wherever the tree is installed. Installing must not edit the run path: CMake would
+# fill the room for the edit with empty elements, which the loader takes for the current directory.
+function(arxium_configure_installed target directory)
     set_target_properties(${target} PROPERTIES
         BUILD_WITH_INSTALL_RPATH "${ARXIUM_INSTALL}"
         INSTALL_RPATH "${directory}"
         INSTALL_RPATH_USE_LINK_PATH ON)
+    target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
 endfunction()
 
 # What our shared libraries have in common beyond arxium_configure. They find each other in one directory, and the
 # project's own libraries where those were at build time.
 function(arxium_configure_shared target)
-    arxium_set_run_path(${target} "$ORIGIN")
+    arxium_configure_installed(${target} "$ORIGIN")
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}

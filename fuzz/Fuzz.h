@@ -23,7 +23,7 @@ inline void mustHold(bool holds, char const* claim)
     std::abort();
 }
 
-// Takes an input apart from its front. Behind the end come zeros and empty texts.
+// Takes an input apart from its front. After its end come zeros and empty texts.
 class FuzzInput
 {
 public:
@@ -47,7 +47,7 @@ public:
         m_rest.remove_prefix(text.size());
         return text;
     }
-    // A text behind a byte that tells its length.
+    // A text after a byte with its length.
     std::string takeShortText() { return takeText(takeByte()); }
     std::string takeRest() { return takeText(m_rest.size()); }
 

@@ -103,7 +103,7 @@ void checkTexts(std::string const& bytes)
     ARXHelper::removeLastComponentFromUrl(url);
     std::size_t const slash = units.rfind(u'/');
     bool const isCut = slash != std::u16string::npos && slash != 0;
-    mustHold(unitsOf(url) == (isCut ? units.substr(0, slash + 1) : units), "URLs are cut behind the last /");
+    mustHold(unitsOf(url) == (isCut ? units.substr(0, slash + 1) : units), "URLs are cut after the last /");
 
     ARXHelper::fixCommandPath(text);
     mustHold(unitsOf(text) == modelCommandPath(units), "command paths are the model's");

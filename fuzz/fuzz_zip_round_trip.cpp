@@ -16,7 +16,8 @@ struct Entry
     std::string m_name, m_contents;
 };
 
-// Writes an entry as the input has it: name, method, level, and pieces until an empty one.
+// Writes an entry as the input has it: name, method, level and how often each piece is repeated in itself,
+// and pieces until an empty one.
 Entry addEntry(ARXZipFile& archive, FuzzInput& input)
 {
     Entry entry;
@@ -25,9 +26,16 @@ Entry addEntry(ARXZipFile& archive, FuzzInput& input)
     int const level = static_cast<int>(how >> 1) % 11 - 1;
     auto const method = how % 2 != 0 ? ARXZipFile::compressDeflated : ARXZipFile::compressStored;
     archive.openNewFileInZip(entry.m_name.c_str(), nullptr, nullptr, method, level);
-    for (std::string piece; !(piece = input.takeShortText()).empty(); entry.m_contents += piece)
+    unsigned const repetitions = how / 16 % 4 * 100 + 1;  // up to 75 KiB a piece
+    for (std::string text; !(text = input.takeShortText()).empty();)
+    {
+        std::string piece;
+        for (unsigned i = 0; i < repetitions; ++i)
+            piece += text;
         archive.writeInFileInZip(reinterpret_cast<unsigned char*>(piece.data()),
                                  static_cast<unsigned>(piece.size()));
+        entry.m_contents += piece;
+    }
     if (how >= 128)
         archive.closeFileInZip();
     return entry;
