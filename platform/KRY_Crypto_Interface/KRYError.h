@@ -1,5 +1,5 @@
-// How the classes behind the interface fail: by this exception, which becomes a status and a text at the
-// border.
+// How the classes of this library fail: by this exception. The ten functions turn it into a status and a
+// text.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYERROR_H
 #define KRY_CRYPTO_INTERFACE_KRYERROR_H
@@ -23,8 +23,7 @@ private:
 // Raises with "text: the system's reason" for a failed system call; errno must still be that call's.
 [[noreturn]] void raiseSystemError(KRYStatus status, std::string const& text);
 
-// Raises KRY_ERROR_CRYPTO unless a call into OpenSSL gave the answer of success, and leaves nothing of the
-// failure in the thread's error queue.
+// Raises KRY_ERROR_CRYPTO unless a call into OpenSSL succeeded, and clears the thread's error queue.
 void requireCrypto(bool succeeded, char const* operation);
 
 // What the exception in flight amounts to; for use in a catch block, and the text lives as long as that.

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include <fcntl.h>
 #include <openssl/crypto.h>
 
 #include "KRY_Crypto_Interface/KRYError.h"
+#include "os/OsFileName.h"
 
 namespace
 {
@@ -16,13 +16,12 @@ constexpr std::uint64_t s_none = ~std::uint64_t{0};  // number of no segment
 constexpr char s_cutOff[] = "the encrypted file is cut off";
 }  // namespace
 
-// Without O_NONBLOCK a pipe would hold the caller up until it is refused.
-KRYFileReader::KRYFileReader(std::string_view path, std::uint64_t offset, KRYSecret const& masterKey,
+KRYFileReader::KRYFileReader(std::string_view path, std::uint64_t offset, KRYMasterKeys const& keys,
                              std::string const& serviceID)
-    : m_file("file " + std::string(path), AT_FDCWD, std::string(path).c_str(), O_RDONLY | O_NONBLOCK),
-      m_bodySize(getBodySize()),
+    : m_name(OsFileName::forReading(std::string(path))),
+      m_bodySize(openFile()),
       m_lastNumber(m_bodySize == 0 ? 0 : (m_bodySize - 1) / s_sealedSize),
-      m_cipher(masterKey, readHeader(masterKey), serviceID),
+      m_cipher(readHeader(keys), serviceID),
       m_position(offset),
       m_segment(std::make_unique<unsigned char[]>(s_sealedSize)),
       m_number(s_none)
@@ -41,7 +40,7 @@ std::string_view KRYFileReader::peek()
     std::uint64_t const number = std::min(m_position / s_segmentSize, m_lastNumber);
     m_sticky.run([&] { load(number); });
     std::string_view const segment(reinterpret_cast<char const*>(m_segment.get()), m_loaded);
-    return segment.substr(m_position - number * s_segmentSize);
+    return segment.substr(static_cast<std::size_t>(m_position - number * s_segmentSize));
 }
 
 std::uint64_t KRYFileReader::getSize()
@@ -50,22 +49,34 @@ std::uint64_t KRYFileReader::getSize()
     return m_lastNumber * s_segmentSize + m_loaded;
 }
 
-std::uint64_t KRYFileReader::getBodySize() const
+// Returns the size of what follows the header.
+std::uint64_t KRYFileReader::openFile()
 {
-    struct stat const status = m_file.getStatus();
-    if (!S_ISREG(status.st_mode))
-        throw KRYError(KRY_ERROR_FILE, "what is to be read is no file");
-    if (status.st_size < off_t{KRYFileHeader::s_size})
+    OsFileStatus status;
+    // A pipe must not hold the caller up until it is refused.
+    if (!m_file.open(m_name.c_str(), OsFile::s_read | OsFile::s_noWait) || !m_file.getStatus(status))
+        raiseSystemError(KRY_ERROR_FILE, "file " + m_name + " can't be opened");
+    if (status.m_type != OsFile::s_regularFile)
+        throw KRYError(KRY_ERROR_FILE, "file " + m_name + " is not a regular file");
+    if (status.m_size < std::int64_t{KRYFileHeader::s_size})
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
-    return static_cast<std::uint64_t>(status.st_size) - KRYFileHeader::s_size;
+    return static_cast<std::uint64_t>(status.m_size) - KRYFileHeader::s_size;
 }
 
-KRYFileHeader KRYFileReader::readHeader(KRYSecret const& masterKey)
+KRYFileHeader KRYFileReader::readHeader(KRYMasterKeys const& keys) const
 {
     KRYFileHeader::Bytes bytes;
-    if (m_file.readAt(0, bytes.data(), bytes.size()) != bytes.size())
+    read(0, bytes.data(), bytes.size());
+    return KRYFileHeader(keys, bytes);
+}
+
+void KRYFileReader::read(std::uint64_t offset, unsigned char* target, std::size_t size) const
+{
+    std::int64_t const count = m_file.readAt(offset, target, size);
+    if (count < 0)
+        raiseSystemError(KRY_ERROR_FILE, "file " + m_name + " can't be read");
+    if (static_cast<std::size_t>(count) != size)
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
-    return KRYFileHeader(masterKey, bytes);
 }
 
 // Only the last segment is smaller than the others, and it alone is sealed as the last.
@@ -75,10 +86,11 @@ void KRYFileReader::load(std::uint64_t number)
         return;
     bool const last = number == m_lastNumber;
     std::uint64_t const start = number * s_sealedSize;
-    std::size_t const size = last ? m_bodySize - start : s_sealedSize;
+    auto const size = static_cast<std::size_t>(last ? m_bodySize - start : s_sealedSize);
     m_number = s_none;
-    if (size < s_tagSize || m_file.readAt(KRYFileHeader::s_size + start, m_segment.get(), size) != size)
+    if (size < s_tagSize)
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
+    read(KRYFileHeader::s_size + start, m_segment.get(), size);
     if (!m_cipher.open(number, last, m_segment.get(), size - s_tagSize))
         throw KRYError(KRY_ERROR_DAMAGED, "the encrypted file is damaged or belongs to another service");
     m_number = number;

@@ -12,16 +12,16 @@
 #include <string>
 #include <string_view>
 
-#include "KRY_Crypto_Interface/KRYFile.h"
 #include "KRY_Crypto_Interface/KRYSegmentCipher.h"
 #include "KRY_Crypto_Interface/KRYSticky.h"
+#include "os/OsFile.h"
 
 class KRYFileReader
 {
 public:
     // Begins at the byte offset of the plain data. Raises KRYError unless it is a regular file with a header
-    // of ours that the master key belongs to, and the plain data reaches to offset.
-    KRYFileReader(std::string_view path, std::uint64_t offset, KRYSecret const& masterKey,
+    // of ours that one of the keys belongs to, and the plain data reaches to offset.
+    KRYFileReader(std::string_view path, std::uint64_t offset, KRYMasterKeys const& keys,
                   std::string const& serviceID);
     ~KRYFileReader();
 
@@ -34,11 +34,13 @@ public:
     std::uint64_t getSize();
 
 private:
-    std::uint64_t getBodySize() const;
-    KRYFileHeader readHeader(KRYSecret const& masterKey);
+    std::uint64_t openFile();
+    KRYFileHeader readHeader(KRYMasterKeys const& keys) const;
+    void read(std::uint64_t offset, unsigned char* target, std::size_t size) const;
     void load(std::uint64_t number);
 
-    KRYFile m_file;
+    std::string const m_name;
+    OsFile m_file;
     std::uint64_t const m_bodySize;  // of all segments with their tags
     std::uint64_t const m_lastNumber;
     KRYSegmentCipher m_cipher;

@@ -1,10 +1,11 @@
 #include "KRY_Crypto_Interface/KRYFileWriter.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <atomic>
+#include <new>
 
-#include <fcntl.h>
 #include <openssl/crypto.h>
+#include <pthread.h>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 
@@ -12,46 +13,33 @@ namespace
 {
 constexpr std::size_t s_segmentSize = KRYFileHeader::s_segmentSize;
 constexpr std::size_t s_tagSize = KRYFileHeader::s_tagSize;
+constexpr unsigned s_mode = 0666;  // less the umask
 
-std::string_view nameIn(std::string_view path)
+std::atomic<unsigned> s_generation{0};
+
+int countForks()
 {
-    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+    if (::pthread_atfork(nullptr, nullptr, [] { ++s_generation; }) != 0)
+        throw std::bad_alloc();
+    return 0;
 }
 
-std::string directoryOf(std::string_view path)
+// One more in each child than in its parent. A process number would cost a system call at each short write.
+unsigned getGeneration()
 {
-    std::string const directory(path.substr(0, path.size() - nameIn(path).size()));
-    return directory.empty() ? "." : directory;
-}
-
-// The target's name without its directory.
-std::string replaceableName(KRYFile const& directory, std::string_view target)
-{
-    std::string name(nameIn(target));
-    struct stat status;
-    bool const there =
-        retryInterrupted(
-            [&] {
-                return ::fstatat(directory.getDescriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW);
-            }) == 0;
-    if (!there && (errno != ENOENT || name.empty()))
-        raiseSystemError(KRY_ERROR_FILE, "file " + name + " can't be made");
-    if (there && !S_ISREG(status.st_mode))
-        throw KRYError(KRY_ERROR_FILE, "file " + name + " can't be made: that is something else already");
-    return name;
+    static int const s_counting = countForks();
+    static_cast<void>(s_counting);
+    return s_generation;
 }
 }  // namespace
 
-KRYFileWriter::KRYFileWriter(std::string_view target, KRYSecret const& masterKey,
-                             std::string const& serviceID)
-    : m_directory("directory " + directoryOf(target), AT_FDCWD, directoryOf(target).c_str(),
-                  O_RDONLY | O_DIRECTORY),
-      m_file(m_directory, replaceableName(m_directory, target), 0666),
-      m_header(masterKey),
-      m_cipher(masterKey, m_header, serviceID),
+KRYFileWriter::KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID)
+    : m_cipher(KRYFileHeader(keys), serviceID),
+      m_generation(getGeneration()),
       m_segment(std::make_unique<unsigned char[]>(s_segmentSize + s_tagSize))
 {
-    m_file.write(m_header.getBytes().data(), KRYFileHeader::s_size);
+    require(m_file.create(std::string(target), s_mode));
+    require(m_file.write(m_cipher.getHeader().data(), KRYFileHeader::s_size) == KRYFileHeader::s_size);
 }
 
 KRYFileWriter::~KRYFileWriter()
@@ -61,17 +49,26 @@ KRYFileWriter::~KRYFileWriter()
 
 void KRYFileWriter::append(char const* data, std::size_t size)
 {
-    m_sticky.run([&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
+    run([&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
 }
 
 void KRYFileWriter::finish()
 {
-    m_sticky.run(
+    run(
         [&]
         {
-            writeLast();
-            m_file.replace();
+            writeSegment(true);
+            require(m_file.replace());
         });
+}
+
+template <class Work>
+void KRYFileWriter::run(Work work)
+{
+    if (m_generation != getGeneration())
+        throw KRYError(KRY_ERROR_STATE,
+                       "the file is being written by the process that this one was forked from");
+    m_sticky.run(work);
 }
 
 void KRYFileWriter::gather(unsigned char const* data, std::size_t size)
@@ -79,32 +76,25 @@ void KRYFileWriter::gather(unsigned char const* data, std::size_t size)
     while (size != 0)
     {
         if (m_filled == s_segmentSize)
-            flushSegment();
+            writeSegment(false);
         std::size_t const count = std::min(size, s_segmentSize - m_filled);
-        m_sealed = count == s_segmentSize;
-        if (m_sealed)
-            m_cipher.seal(m_number, false, data, count, m_segment.get());
-        else
-            std::copy_n(data, count, m_segment.get() + m_filled);
+        std::copy_n(data, count, m_segment.get() + m_filled);
         m_filled += count;
         data += count;
         size -= count;
     }
 }
 
-void KRYFileWriter::flushSegment()
+void KRYFileWriter::writeSegment(bool last)
 {
-    if (!m_sealed)
-        m_cipher.seal(m_number, false, m_segment.get(), m_filled, m_segment.get());
-    m_file.write(m_segment.get(), m_filled + s_tagSize);
+    m_cipher.seal(m_number++, last, m_segment.get(), m_filled);
+    std::size_t const size = m_filled + s_tagSize;
     m_filled = 0;
-    ++m_number;
+    require(m_file.write(m_segment.get(), size) == size);
 }
 
-void KRYFileWriter::writeLast()
+void KRYFileWriter::require(bool succeeded) const
 {
-    if (m_sealed)
-        requireCrypto(m_cipher.open(m_number, false, m_segment.get(), m_filled), "opening a segment");
-    m_cipher.seal(m_number, true, m_segment.get(), m_filled, m_segment.get());
-    m_file.write(m_segment.get(), m_filled + s_tagSize);
+    if (!succeeded)
+        throw KRYError(KRY_ERROR_FILE, m_file.getFailure());
 }

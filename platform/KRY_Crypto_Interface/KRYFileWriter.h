@@ -1,8 +1,11 @@
 // Writes one encrypted file. For one thread at a time; memory for one segment serves a file of any size.
 //
 // The data goes to a temporary file beside the target, which takes the target's name in finish. Until then,
-// and if the object is destroyed without, the target stays as it was. The new file's mode follows the umask,
-// also where it takes an older one's place.
+// and if the object is destroyed without, the target stays as it was. A file that replaces another takes over
+// its mode.
+//
+// Only the process that made the object writes: two that went on with one file would use one nonce for
+// different data, which gives both away.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYFILEWRITER_H
 #define KRY_CRYPTO_INTERFACE_KRYFILEWRITER_H
@@ -14,37 +17,36 @@
 
 #include "KRY_Crypto_Interface/KRYSegmentCipher.h"
 #include "KRY_Crypto_Interface/KRYSticky.h"
-#include "KRY_Crypto_Interface/KRYTemporaryFile.h"
+#include "os/OsPlacedFile.h"
 
 class KRYFileWriter
 {
 public:
     // The target may exist if it is a regular file; a symbolic link is none. Its directory must be readable.
-    KRYFileWriter(std::string_view target, KRYSecret const& masterKey, std::string const& serviceID);
+    KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID);
     ~KRYFileWriter();
 
-    // A failure poisons the file: whatever comes next fails for the same reason.
+    // A failure is final: whatever comes next fails for the same reason.
     void append(char const* data, std::size_t size);
     // Seals the last segment, brings all to the disk and gives the file its name. The object is of no use
     // afterwards.
     void finish();
 
 private:
+    template <class Work>
+    void run(Work work);
     void gather(unsigned char const* data, std::size_t size);
-    void flushSegment();
-    void writeLast();
+    void writeSegment(bool last);
+    void require(bool succeeded) const;
 
-    KRYFile m_directory;
-    KRYTemporaryFile m_file;
-    KRYFileHeader m_header;
+    OsPlacedFile m_file;
     KRYSegmentCipher m_cipher;
     KRYSticky m_sticky;
+    unsigned const m_generation;  // of the process that made the object
 
-    // A full segment is held back here until more data shows that it is not the last: as plain data, or
-    // sealed at once if the caller's memory held all of it. What turns out to be the last is opened again.
+    // A full segment waits here until more data shows that it is not the last.
     std::unique_ptr<unsigned char[]> m_segment;
-    std::size_t m_filled = 0;  // plain bytes
-    bool m_sealed = false;
+    std::size_t m_filled = 0;
     std::uint64_t m_number = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "KRY_Crypto_Interface/KRYInterface.h"
 
+#include <memory>
 #include <utility>
 
 #include <openssl/crypto.h>
@@ -28,10 +29,10 @@ void KRYInterface::startService(char const* document)
     requireCrypto(OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) == 1, "OPENSSL_init_crypto");
     // Where OpenSSL had no memory for its first steps, it crashes in later ones.
     requireCrypto(OSSL_LIB_CTX_get0_global_default() != nullptr, "OSSL_LIB_CTX_get0_global_default");
-    auto key = m_masterKey ? nullptr : KRYKeyFile::load();
+    KRYMasterKeys keys = m_services.empty() ? KRYKeyFile::load() : KRYMasterKeys();
     m_services.emplace(serviceID);
-    if (key)
-        m_masterKey = std::move(key);
+    if (m_keys.empty())
+        m_keys = std::move(keys);
 }
 
 std::string KRYInterface::getStartFailure()
@@ -51,14 +52,14 @@ void KRYInterface::stop(char const* document)
     if (!m_services.empty())
         return;
     m_sessions.closeAll();
-    m_masterKey.reset();
+    m_keys = KRYMasterKeys();
 }
 
 void* KRYInterface::open(char const* document)
 {
     std::string_view const serviceID = KRYDocument::readServiceID(document, "sessionConfigDocument");
     std::lock_guard<std::mutex> const guard(m_lock);
-    if (!m_masterKey)
+    if (m_keys.empty())
         throw KRYError(KRY_ERROR_STATE, "the interface is not started");
-    return m_sessions.add(std::make_unique<KRYSession>(serviceID, *m_masterKey));
+    return m_sessions.add(std::make_unique<KRYSession>(serviceID, m_keys));
 }

@@ -1,10 +1,9 @@
-// What the ten functions share: the started services, the master key while there is one, and the sessions.
-// Any thread may call any operation. No operation is called while a session is held.
+// What the ten functions share: the started services, the master keys while there are some, and the sessions.
+// Any thread may call any operation. Lock order: this lock first, then a session's.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 #define KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 
-#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
@@ -19,8 +18,8 @@ public:
     // Made by the first call, never destroyed.
     static KRYInterface& getInstance();
 
-    // All take documents and raise KRYError. The first start loads the key; the last stop closes all
-    // sessions, waiting for calls that are in them, and wipes it.
+    // All take documents and raise KRYError. The first start loads the keys; the last stop closes all
+    // sessions, waiting for calls that are in them, and wipes the keys.
     void start(char const* document);
     void stop(char const* document);
     void* open(char const* document);
@@ -36,7 +35,7 @@ private:
 
     std::mutex m_lock;
     std::set<std::string, std::less<>> m_services;
-    std::unique_ptr<KRYSecret> m_masterKey;  // there while a service is started; sessions refer to it
+    KRYMasterKeys m_keys;  // empty unless a service is started; sessions refer to them
     KRYLastFailure m_startFailure;
     KRYRegistry m_sessions;
 };

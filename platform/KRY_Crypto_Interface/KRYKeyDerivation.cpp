@@ -1,5 +1,6 @@
 #include "KRY_Crypto_Interface/KRYKeyDerivation.h"
 
+#include <algorithm>
 #include <memory>
 
 #include <openssl/core_names.h>
@@ -14,10 +15,8 @@ OSSL_PARAM bytes(char const* name, void const* data, std::size_t size)
 {
     return OSSL_PARAM_construct_octet_string(name, const_cast<void*>(data), size);  // is only read
 }
-}  // namespace
 
-void KRYKeyDerivation::derive(KRYSecret const& masterKey, std::string_view salt, std::string_view info,
-                              KRYSecret& result)
+void derive(KRYSecret const& masterKey, std::string_view salt, std::string const& info, KRYSecret& result)
 {
     std::unique_ptr<EVP_KDF, decltype(&EVP_KDF_free)> const hkdf(EVP_KDF_fetch(nullptr, "HKDF", nullptr),
                                                                  EVP_KDF_free);
@@ -36,4 +35,26 @@ void KRYKeyDerivation::derive(KRYSecret const& masterKey, std::string_view salt,
     };
     requireCrypto(EVP_KDF_derive(context.get(), result.data(), KRYSecret::s_size, parameters) == 1,
                   "EVP_KDF_derive");
+}
+}  // namespace
+
+KRYKeyDerivation::KeyID KRYKeyDerivation::getKeyID(KRYSecret const& masterKey)
+{
+    KRYSecret derived;
+    derive(masterKey, "", "KRY key id 2:", derived);
+    KeyID id;
+    std::copy_n(derived.data(), id.size(), id.begin());
+    return id;
+}
+
+void KRYKeyDerivation::deriveSignatureKey(KRYSecret const& masterKey, std::string const& serviceID,
+                                          KRYSecret& result)
+{
+    derive(masterKey, "", "KRY signature 2:" + serviceID, result);
+}
+
+void KRYKeyDerivation::deriveFileKey(KRYSecret const& masterKey, std::string_view salt,
+                                     std::string_view header, std::string const& serviceID, KRYSecret& result)
+{
+    derive(masterKey, salt, std::string("KRY file 2:").append(header).append(serviceID), result);
 }

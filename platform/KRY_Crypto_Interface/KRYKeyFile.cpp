@@ -5,17 +5,21 @@
 #include <cstdlib>
 #include <string>
 
-#include <fcntl.h>
 #include <openssl/rand.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "KRY_Crypto_Interface/KRYError.h"
-#include "KRY_Crypto_Interface/KRYTemporaryFile.h"
 #include "NEBCFGAPI/NEBConfigurationFactory.h"
+#include "os/OsFile.h"
+#include "os/OsInterrupted.h"
+#include "os/OsPlacedFile.h"
 
 namespace
 {
 constexpr char s_defaultName[] = "master.key";
+constexpr std::int64_t s_keySize = KRYSecret::s_size;
+constexpr std::int64_t s_limit = 64;
 
 std::string configuredPath()
 {
@@ -54,59 +58,73 @@ void makeFolder(std::string const& path)
     }
     if (result == -1 && errno != EEXIST)
         raiseSystemError(KRY_ERROR_KEY, "folder " + path + " of the key file can't be made");
-    if (result == 0)
-        KRYFile("folder " + parent, AT_FDCWD, parent.c_str(), O_RDONLY | O_DIRECTORY).sync();
+    OsFile folder;
+    if (result == 0 && !(folder.open(parent.c_str(), OsFile::s_read | OsFile::s_directory) && folder.sync()))
+        raiseSystemError(KRY_ERROR_FILE, "folder " + parent + " can't be synchronised with the disk");
 }
 
 void makeKeyFile(std::string const& folder)
 {
     makeFolder(folder);
-    KRYFile directory("folder " + folder, AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY);
-    KRYTemporaryFile file(directory, s_defaultName, 0600);
     KRYSecret key;
-    requireCrypto(RAND_bytes(key.data(), static_cast<int>(KRYSecret::s_size)) == 1, "RAND_bytes");
-    file.write(key.data(), KRYSecret::s_size);
-    file.offer();
+    requireCrypto(RAND_bytes(key.data(), int{KRYSecret::s_size}) == 1, "RAND_bytes");
+    OsPlacedFile file;
+    if (!file.create(folder + "/" + s_defaultName, 0600) ||
+        file.write(key.data(), KRYSecret::s_size) != KRYSecret::s_size || !file.offer())
+        throw KRYError(KRY_ERROR_FILE, file.getFailure());
 }
 
 std::string defaultPath()
 {
     std::string const folder = defaultFolder();
     std::string path = folder + "/" + s_defaultName;
-    struct stat status;
-    if (retryInterrupted([&] { return ::stat(path.c_str(), &status); }) == -1 && errno == ENOENT)
+    if (::access(path.c_str(), F_OK) == -1 && errno == ENOENT)
         makeKeyFile(folder);
     return path;
 }
 
+bool isWrongSize(std::int64_t size)
+{
+    return size <= 0 || size > s_limit * s_keySize || size % s_keySize != 0;
+}
+
 struct Rule
 {
-    bool (*m_isBroken)(struct stat const& status);
+    bool (*m_isBroken)(OsFileStatus const& status);
     char const* m_text;
 };
 constexpr Rule s_rules[] = {
-    {[](struct stat const& status) { return !S_ISREG(status.st_mode); }, " is no regular file"},
-    {[](struct stat const& status) { return status.st_uid != ::geteuid(); }, " belongs to another user"},
-    {[](struct stat const& status) { return (status.st_mode & (S_IRWXG | S_IRWXO)) != 0; },
+    {[](OsFileStatus const& status) { return status.m_type != OsFile::s_regularFile; },
+     " is not a regular file"},
+    {[](OsFileStatus const& status) { return status.m_owner != ::geteuid(); }, " belongs to another user"},
+    {[](OsFileStatus const& status) { return (status.m_permissions & 0077) != 0; },
      " is open to group or others"},
-    {[](struct stat const& status) { return status.st_size != off_t{KRYSecret::s_size}; },
-     " does not hold exactly 32 bytes"},
+    {[](OsFileStatus const& status) { return isWrongSize(status.m_size); },
+     " does not hold 1 to 64 keys of 32 bytes"},
 };
 }  // namespace
 
-std::unique_ptr<KRYSecret> KRYKeyFile::load()
+KRYMasterKeys KRYKeyFile::load()
 {
     std::string path = configuredPath();
     if (path.empty())
         path = defaultPath();
     std::string const label = "key file " + path;
-    KRYFile file(label, AT_FDCWD, path.c_str(), O_RDONLY | O_NONBLOCK);
-    struct stat const status = file.getStatus();
+    OsFile file;
+    OsFileStatus status;
+    if (!file.open(path.c_str(), OsFile::s_read | OsFile::s_noWait) || !file.getStatus(status))
+        raiseSystemError(KRY_ERROR_FILE, label + " can't be opened");
     for (Rule const& rule : s_rules)
         if (rule.m_isBroken(status))
             throw KRYError(KRY_ERROR_KEY, label + rule.m_text);
-    auto key = std::make_unique<KRYSecret>();
-    if (file.readAt(0, key->data(), KRYSecret::s_size) != KRYSecret::s_size)
-        throw KRYError(KRY_ERROR_KEY, label + " was cut while it was read");
-    return key;
+    KRYMasterKeys keys(static_cast<std::size_t>(status.m_size / s_keySize));
+    for (KRYSecret& key : keys)
+    {
+        std::int64_t const count = file.read(key.data(), KRYSecret::s_size);
+        if (count < 0)
+            raiseSystemError(KRY_ERROR_FILE, label + " can't be read");
+        if (count != s_keySize)
+            throw KRYError(KRY_ERROR_KEY, label + " was cut while it was read");
+    }
+    return keys;
 }

@@ -1,4 +1,4 @@
-// Memory that the interface gives out: made by malloc, so that KRY_CryptoFree needs nothing to be started.
+// Memory that the interface returns: made by malloc, so KRY_CryptoFree works without a start.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYMEMORY_H
 #define KRY_CRYPTO_INTERFACE_KRYMEMORY_H
@@ -8,7 +8,7 @@
 #include <new>
 #include <string_view>
 
-// A copy with a zero byte behind it; raises std::bad_alloc.
+// A copy with a zero byte after it. Raises std::bad_alloc.
 inline char* copyOut(std::string_view bytes)
 {
     auto* const copy = static_cast<char*>(std::malloc(bytes.size() + 1));

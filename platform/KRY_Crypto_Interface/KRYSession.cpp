@@ -20,8 +20,8 @@ void give(KRYOutput output, std::string_view bytes)
 }
 }  // namespace
 
-KRYSession::KRYSession(std::string_view serviceID, KRYSecret const& masterKey)
-    : m_serviceID(serviceID), m_masterKey(masterKey)
+KRYSession::KRYSession(std::string_view serviceID, KRYMasterKeys const& keys)
+    : m_serviceID(serviceID), m_keys(keys)
 {
 }
 
@@ -34,11 +34,11 @@ void KRYSession::setUp(char const* document)
     m_reader.reset();
     m_closing = action == KRYAction::finish;
     if (action == KRYAction::sign)
-        m_signer = std::make_unique<KRYSigner>(m_masterKey, m_serviceID);
+        m_signer = std::allocate_shared<KRYSigner>(KRYLockedMemory<KRYSigner>(), m_keys.front(), m_serviceID);
     else if (action == KRYAction::cipher)
-        m_writer = std::make_unique<KRYFileWriter>(fileName, m_masterKey, m_serviceID);
+        m_writer = std::make_unique<KRYFileWriter>(fileName, m_keys, m_serviceID);
     else if (action == KRYAction::decipher)
-        m_reader = std::make_unique<KRYFileReader>(fileName, offset, m_masterKey, m_serviceID);
+        m_reader = std::make_unique<KRYFileReader>(fileName, offset, m_keys, m_serviceID);
 }
 
 void KRYSession::protect(char const* data, std::uint32_t size, KRYOutput output)

@@ -38,8 +38,8 @@ struct KRYOutput
 class KRYSession
 {
 public:
-    // The master key must outlive the session.
-    KRYSession(std::string_view serviceID, KRYSecret const& masterKey);
+    // The keys must outlive the session.
+    KRYSession(std::string_view serviceID, KRYMasterKeys const& keys);
 
     void setUp(char const* document);
     std::string const& getServiceID() const { return m_serviceID; }
@@ -58,11 +58,11 @@ private:
     void finishFile();
 
     std::string const m_serviceID;
-    KRYSecret const& m_masterKey;
+    KRYMasterKeys const& m_keys;
     KRYLastFailure m_lastFailure;
 
     // At most one of the three is there.
-    std::unique_ptr<KRYSigner> m_signer;
+    std::shared_ptr<KRYSigner> m_signer;
     std::unique_ptr<KRYFileWriter> m_writer;
     std::unique_ptr<KRYFileReader> m_reader;
     bool m_closing = false;  // the closing document has come

@@ -10,9 +10,7 @@
 
 namespace
 {
-constexpr char s_salt[] = "KRY-CSKHMAC-1";
-
-// Writes in place: a state that is handed back would leave a copy of itself behind.
+// Writes in place: a state that is returned could leave a copy of itself in memory.
 void startHash(SHA256_CTX& state, KRYSecret const& key, unsigned char pad)
 {
     std::array<unsigned char, SHA256_CBLOCK> block;
@@ -28,7 +26,7 @@ void startHash(SHA256_CTX& state, KRYSecret const& key, unsigned char pad)
 KRYSigner::KRYSigner(KRYSecret const& masterKey, std::string const& serviceID)
 {
     KRYSecret key;
-    KRYKeyDerivation::derive(masterKey, s_salt, serviceID, key);
+    KRYKeyDerivation::deriveSignatureKey(masterKey, serviceID, key);
     startHash(m_inner, key, 0x36);
     startHash(m_outer, key, 0x5C);
 }

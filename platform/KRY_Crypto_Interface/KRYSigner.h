@@ -1,13 +1,5 @@
 // Signs data in memory by HMAC-SHA-256 (RFC 2104) under a key of the service's own. Any number of threads may
-// sign at once.
-//
-// The key is HKDF of the master key with the salt "KRY-CSKHMAC-1" and the service id as info, so whoever has
-// the key file can check a digest without this library:
-//
-//     master=$(xxd -p -c 32 master.key)
-//     options="-kdfopt digest:SHA2-256 -kdfopt salt:KRY-CSKHMAC-1 -kdfopt info:TALM"
-//     key=$(openssl kdf -keylen 32 -kdfopt hexkey:$master $options HKDF | tr -d :)
-//     printf %s report.pdf | openssl dgst -sha256 -mac HMAC -macopt hexkey:$key
+// sign at once. docs/formats.md shows how to check a signature without this library.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYSIGNER_H
 #define KRY_CRYPTO_INTERFACE_KRYSIGNER_H
@@ -36,8 +28,8 @@ public:
 
 private:
     // The states of HMAC's two hashes after the key's block, which signing only reads. An EVP_MAC_CTX is
-    // written by each signature, and its cache lines wander between the threads that share a session: a
-    // signature took twice as long, and two threads together signed fewer URLs than one.
+    // written by each signature: threads that share a session then fight for its memory, and a signature
+    // takes twice as long.
     SHA256_CTX m_inner;
     SHA256_CTX m_outer;
 };

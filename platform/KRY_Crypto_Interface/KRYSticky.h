@@ -1,4 +1,4 @@
-// Work that has failed once fails ever after, for the reason of the first time.
+// Runs work until it fails once. Every later run fails for the same reason.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYSTICKY_H
 #define KRY_CRYPTO_INTERFACE_KRYSTICKY_H

@@ -26,6 +26,24 @@ int openAt(int directory, char const* path, unsigned flags, unsigned mode)
 {
     return retryInterrupted([&] { return ::openat(directory, path, toSystemFlags(flags), mode); });
 }
+
+// Reads parts until there are size bytes, or as many as the file has.
+template <class ReadPart>
+std::int64_t readFully(void* target, std::size_t size, ReadPart const& readPart)
+{
+    std::size_t done = 0;
+    while (done < size)
+    {
+        char* const place = static_cast<char*>(target) + done;
+        ssize_t const count = retryInterrupted([&] { return readPart(place, size - done, done); });
+        if (count < 0)
+            return -1;
+        if (count == 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return static_cast<std::int64_t>(done);
+}
 }  // namespace
 
 OsFile::OsFile(int descriptor) noexcept : m_descriptor(descriptor) {}
@@ -72,19 +90,16 @@ bool OsFile::setPermissions(unsigned permissions) noexcept
 
 std::int64_t OsFile::read(void* target, std::size_t size) noexcept
 {
-    std::size_t done = 0;
-    while (done < size)
-    {
-        auto const readRest = [&]
-        { return ::read(m_descriptor, static_cast<char*>(target) + done, size - done); };
-        ssize_t const count = retryInterrupted(readRest);
-        if (count < 0)
-            return -1;
-        if (count == 0)
-            break;
-        done += static_cast<std::size_t>(count);
-    }
-    return static_cast<std::int64_t>(done);
+    auto const readPart = [&](char* place, std::size_t count, std::size_t)
+    { return ::read(m_descriptor, place, count); };
+    return readFully(target, size, readPart);
+}
+
+std::int64_t OsFile::readAt(std::uint64_t offset, void* target, std::size_t size) const noexcept
+{
+    auto const readPart = [&](char* place, std::size_t count, std::size_t done)
+    { return ::pread(m_descriptor, place, count, static_cast<off_t>(offset + done)); };
+    return readFully(target, size, readPart);
 }
 
 std::size_t OsFile::write(void const* data, std::size_t size) noexcept

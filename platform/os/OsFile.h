@@ -69,6 +69,8 @@ public:
     // Returns the number of bytes read: fewer than size only where the file ends, or -1 on failure, even
     // after some bytes.
     std::int64_t read(void* target, std::size_t size) noexcept;
+    // The same from an offset in the file; the next read begins where it would have begun without this.
+    std::int64_t readAt(std::uint64_t offset, void* target, std::size_t size) const noexcept;
     // Returns the number of bytes written: size, or fewer on failure.
     std::size_t write(void const* data, std::size_t size) noexcept;
     // Returns once all is on the disk; for a directory, the names in it.
