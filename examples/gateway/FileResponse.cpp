@@ -1,7 +1,6 @@
 #include "FileResponse.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <optional>
 
@@ -124,26 +123,31 @@ void sendBytes(std::shared_ptr<StoredFile const> const& file, std::uint64_t firs
                Journal& journal, httplib::Response& response)
 {
     response.set_header("Content-Length", std::to_string(length));
+    auto const sendAll = [=, &journal](std::size_t, httplib::DataSink& sink)
+    {
+        sink.done();
+        auto const send = [&](char const* data, std::size_t size)
+        {
+            bool const sent = sink.write(data, size);
+            journal.countSent(sent ? size : 0);
+            return sent;
+        };
+        try
+        {
+            return file->read(first, length, send);
+        }
+        catch (...)
+        {
+            printCurrentException("a response");
+            return false;
+        }
+    };
+    setProvider(response, sendAll);
+}
+
+void setProvider(httplib::Response& response, httplib::ContentProviderWithoutLength provider)
+{
     std::string const type = response.get_header_value("Content-Type");
-    response.set_content_provider(type,
-                                  [=, &journal](std::size_t, httplib::DataSink& sink)
-                                  {
-                                      auto const send = [&](char const* data, std::size_t size)
-                                      {
-                                          bool const sent = sink.write(data, size);
-                                          journal.countSent(sent ? size : 0);
-                                          return sent;
-                                      };
-                                      sink.done();
-                                      try
-                                      {
-                                          return file->read(first, length, send);
-                                      }
-                                      catch (...)
-                                      {
-                                          std::fprintf(stderr, "arxgate: %s\n",
-                                                       describeCurrentException().c_str());
-                                          return false;
-                                      }
-                                  });
+    response.headers.erase("Content-Type");  // the next call adds one
+    response.set_content_provider(type, std::move(provider));
 }

@@ -25,4 +25,8 @@ void respondWithFile(httplib::Request const& request, httplib::Ranges const& ran
 void sendBytes(std::shared_ptr<StoredFile const> const& file, std::uint64_t first, std::uint64_t length,
                Journal& journal, httplib::Response& response);
 
+// Sends what provider writes, as the Content-Type that is set already. A provider that returns false closes
+// the connection.
+void setProvider(httplib::Response& response, httplib::ContentProviderWithoutLength provider);
+
 #endif

@@ -1,41 +1,18 @@
 #include "FolderArchive.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 #include <fcntl.h>
 #include <zlib.h>
 
+#include "os/OsPlacedFile.h"
 #include "zip/ARXZipFile.h"
 
 namespace
 {
-std::uint64_t constexpr s_largestArchive =
-    0xffff0000;  // the format's 4 GiB, less some room for its directory
-
-class TemporaryFolder
-{
-public:
-    TemporaryFolder() : m_path((std::filesystem::temp_directory_path() / "arxgate-XXXXXX").string())
-    {
-        if (!::mkdtemp(m_path.data()))
-            throw std::system_error(errno, std::generic_category(), m_path);
-    }
-    ~TemporaryFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    TemporaryFolder(TemporaryFolder const&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
-
-    std::string const& getPath() const { return m_path; }
-
-private:
-    std::string m_path;
-};
+// The format's 4 GiB, less some room for the directory of entries.
+std::uint64_t constexpr s_largestArchive = 0xffff0000;
 
 // Goes down by open folders, so that no link put in place meanwhile leads out.
 class FolderWalk
@@ -90,11 +67,12 @@ private:
 // it can't be sent while it is made. The file has no name any more when this returns.
 std::shared_ptr<StoredFile> makeArchive(Descriptor const& folder)
 {
-    TemporaryFolder const temporary;
-    std::string const path = temporary.getPath() + "/folder.zip";
+    OsPlacedFile temporary;
+    if (!temporary.create((std::filesystem::temp_directory_path() / "arxgate.zip").string(), 0600))
+        throw std::runtime_error(temporary.getFailure());
     ARXZipFile archive;
-    archive.create(path.c_str());
+    archive.create(temporary.getPath().c_str());
     FolderWalk(archive).add(folder, "");
     archive.close();
-    return StoredFile::open(Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC)));
+    return StoredFile::open(Descriptor(::open(temporary.getPath().c_str(), O_RDONLY | O_CLOEXEC)));
 }

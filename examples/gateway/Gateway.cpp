@@ -1,7 +1,6 @@
 #include "Gateway.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
@@ -78,20 +77,18 @@ bool carriesBody(httplib::Request const& request)
     return request.has_header("Transfer-Encoding") || (!length.empty() && length != "0");
 }
 
-// For a request whose body was not read to its end, since the server would take the rest for the next
-// request.
+// For a request whose body was not read to its end: the server would take the rest for the next request.
 void closeAfter(httplib::Response& response)
 {
     response.set_header("Connection", "close");
     response.set_header("Content-Length", std::to_string(response.body.size()));
-    std::string const body = std::move(response.body);
+    auto const sendAll = [body = std::move(response.body)](std::size_t, httplib::DataSink& sink)
+    {
+        sink.write(body.data(), body.size());
+        return false;
+    };
     response.body.clear();
-    response.set_content_provider(response.get_header_value("Content-Type"),
-                                  [body](std::size_t, httplib::DataSink& sink)
-                                  {
-                                      sink.write(body.data(), body.size());
-                                      return false;  // this closes
-                                  });
+    setProvider(response, sendAll);
 }
 
 std::vector<std::string> listNames(Descriptor const& folder)
@@ -121,9 +118,7 @@ PageEntry makeEntry(Descriptor const& root, std::string const& name, std::string
         }
         else if (Descriptor const folder = openBelow(root.get(), name, O_DIRECTORY))
         {
-            struct stat status
-            {
-            };
+            struct stat status = {};
             ::fstat(folder.get(), &status);
             entry.m_kind = "folder";
             entry.m_modified = status.st_mtime;
@@ -132,7 +127,7 @@ PageEntry makeEntry(Descriptor const& root, std::string const& name, std::string
     }
     catch (...)
     {
-        std::fprintf(stderr, "arxgate: %s: %s\n", name.c_str(), describeCurrentException().c_str());
+        printCurrentException(name);
         entry.m_kind = "damaged";
     }
     entry.m_nanoseconds = timer.getElapsed(true);
@@ -203,7 +198,7 @@ void Gateway::dispatch(httplib::Request const& request, httplib::Response& respo
     }
     catch (...)
     {
-        std::fprintf(stderr, "arxgate: %s\n", describeCurrentException().c_str());
+        printCurrentException("a request");
         setText(response, 500, "The gateway failed; its log says why.");
     }
     if (carriesBody(request) && !exchange.m_isBodyRead)
@@ -215,6 +210,8 @@ void Gateway::serve(Exchange& exchange)
     auto const route =
         std::find_if(std::begin(s_routes), std::end(s_routes),
                      [&](Route const& each) { return exchange.m_request.path == each.m_path; });
+    if (!exchange.m_body && carriesBody(exchange.m_request))
+        return setText(exchange.m_response, 400, "This method takes no body.");
     if (route == std::end(s_routes))
         return setText(exchange.m_response, 404, "There is no such page.");
     if (!std::strstr(route->m_methods, exchange.m_request.method.c_str()))

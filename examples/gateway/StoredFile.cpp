@@ -94,9 +94,7 @@ Descriptor openBelow(int folder, std::string const& name, int flags)
 
 std::shared_ptr<StoredFile> StoredFile::open(Descriptor file)
 {
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return nullptr;
     return std::shared_ptr<StoredFile>(new StoredFile(std::move(file), status));

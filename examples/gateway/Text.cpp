@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 
@@ -80,22 +81,23 @@ std::string groupDigits(std::uint64_t number)
     return text;
 }
 
-std::string describeCurrentException()
+void printCurrentException(std::string const& where)
 {
+    std::string reason = "an exception of unknown type";
     try
     {
         throw;
     }
     catch (NEBThrowable& error)
     {
-        return error.toString();
+        reason = error.toString();
     }
     catch (std::exception const& error)
     {
-        return error.what();
+        reason = error.what();
     }
     catch (...)
     {
-        return "an exception of unknown type";
     }
+    std::fprintf(stderr, "arxgate: %s: %s\n", where.c_str(), reason.c_str());
 }

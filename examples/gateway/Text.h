@@ -22,7 +22,7 @@ bool isEqual(std::string const& left, std::string const& right);
 std::string formatTime(char const* format, std::time_t time);
 // With a blank before each group of three digits.
 std::string groupDigits(std::uint64_t number);
-// What a catch of everything caught.
-std::string describeCurrentException();
+// Prints on standard error what a catch of everything has caught, and where.
+void printCurrentException(std::string const& where);
 
 #endif

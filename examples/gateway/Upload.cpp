@@ -22,8 +22,8 @@ bool Upload::begin(httplib::MultipartFormData const& part)
     m_name = part.filename;
     if (!m_file.create(m_root.getPath() + "/" + m_name, s_mode))
         throw std::runtime_error(m_file.getFailure());
-    m_stream.setSecureType(isSealed() ? ARXOJDSecureFileOutputStream::secureTypeEncrypted
-                                      : ARXOJDSecureFileOutputStream::secureTypePlain);
+    m_stream.setSecureType(m_store == "sealed" ? ARXOJDSecureFileOutputStream::secureTypeEncrypted
+                                               : ARXOJDSecureFileOutputStream::secureTypePlain);
     m_stream.open(m_file.getPath().c_str());
     return true;
 }
@@ -52,6 +52,8 @@ bool Upload::finish()
 
 std::string Upload::describe()
 {
-    return m_name + ": " + groupDigits(m_size) + " bytes stored " + (isSealed() ? "sealed" : "plain") +
+    return m_name + ": " + groupDigits(m_size) + " bytes stored " +
+           (m_stream.getSecureType() == ARXOJDSecureFileOutputStream::secureTypeEncrypted ? "sealed"
+                                                                                          : "plain") +
            " in " + groupDigits(m_timer.getElapsed(true) / 1000) + " µs";
 }

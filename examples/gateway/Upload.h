@@ -33,8 +33,6 @@ public:
     std::string describe();
 
 private:
-    bool isSealed() const { return m_store == "sealed"; }
-
     Descriptor const& m_root;
     std::string m_store;
     std::string m_name;

@@ -1,3 +1,5 @@
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -118,14 +120,20 @@ void serve(Options const& options)
     std::printf("arxgate listens on port %d\n", bind(*server, options.m_listen));
     std::fflush(stdout);
 
+    // The server takes no notice of a stop before it runs.
+    std::atomic<bool> ended{false};
     std::thread waiter(
         [&]
         {
             int signal = 0;
             sigwait(&signals, &signal);
+            while (!ended && !server->is_running())
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
             server->stop();
         });
     server->listen_after_bind();
+    ended = true;
+    pthread_kill(waiter.native_handle(), SIGTERM);
     waiter.join();
 }
 
@@ -161,7 +169,7 @@ int main(int argc, char** argv)
     }
     catch (...)
     {
-        std::fprintf(stderr, "arxgate: %s\n", describeCurrentException().c_str());
+        printCurrentException("main");
         return 1;
     }
 }

@@ -20,7 +20,9 @@ class Reply:
         lines = head.decode("latin-1").split("\r\n")
         self.exit_code = exit_code
         self.status = int(lines[0].split()[1]) if " " in lines[0] else 0
-        self.headers = {name.lower(): value for name, _, value in (line.partition(": ") for line in lines[1:])}
+        fields = [line.partition(": ") for line in lines[1:]]
+        self.headers = {name.lower(): value for name, _, value in fields}
+        assert len(self.headers) == len(fields), lines  # none is there twice
 
 
 class Site:

@@ -1,6 +1,10 @@
-"""Requests a second, latency, memory and failover. Usage: ARXGATE=PROGRAM python3 load.py [SECONDS]"""
+"""Requests a second beside nginx, latency, memory, and one of two gateways killed.
+
+Usage: ARXGATE=PROGRAM PYTHONPATH=FOLDER_OF_GATE python3 load.py [SECONDS of each load]
+"""
 
 import base64
+import contextlib
 import hashlib
 import os
 import re
@@ -83,22 +87,31 @@ def read_memory(pid):
         return int(re.search(r"VmRSS:\s*(\d+)", status.read())[1])
 
 
-def compare_with_secure_link(site):
-    plain, accel = Gate(site), Gate(site, "--accel", "/plain/")
-    plain.log_in()
-    links = list(plain.links().values())
+def write_nginx_configuration(site, plain, accel):
+    os.mkdir("temporary")
     with open("nginx.conf", "w") as file:
         file.write(NGINX.format(plain=plain.url[7:], accel=accel.url[7:], root=site.root))
-    os.mkdir("temporary")
-    nginx = subprocess.Popen(["nginx", "-p", os.getcwd(), "-c", "nginx.conf", "-g", "daemon off;"])
-    time.sleep(1)
-    session = plain.cookie.partition("=")[2]
-    secure = []
+
+
+def sign_for_nginx(site, cookie):
+    session = cookie.partition("=")[2]
     for name in sorted(os.listdir(site.root)):
         digest = hashlib.md5(f"/{name}{session} secret".encode()).digest()
-        secure.append(f"/{name}?md5=" + base64.urlsafe_b64encode(digest).decode().rstrip("="))
+        yield f"/{name}?md5=" + base64.urlsafe_b64encode(digest).decode().rstrip("=")
+
+
+def compare_with_secure_link(site, cleanup):
+    plain, accel = Gate(site), Gate(site, "--accel", "/plain/")
+    cleanup.callback(plain.stop)
+    cleanup.callback(accel.stop)
+    plain.log_in()
+    write_nginx_configuration(site, plain, accel)
+    nginx = subprocess.Popen(["nginx", "-p", os.getcwd(), "-c", "nginx.conf", "-g", "daemon off;"])
+    cleanup.callback(end, nginx)
+    time.sleep(1)
+    links, secure = list(plain.links().values()), list(sign_for_nginx(site, plain.cookie))
     print(f"{FILES} files of 1 KiB, 200 connections, load {os.getloadavg()[0]:.1f} before", flush=True)
-    for _ in range(2):
+    for _ in range(3):
         for name, url, paths in [("nginx secure_link", "http://127.0.0.1:9001", secure), ("arxgate", plain.url, links),
                                  ("nginx, arxgate", "http://127.0.0.1:9002", links),
                                  ("nginx, arxgate with X-Accel-Redirect", "http://127.0.0.1:9003", links)]:
@@ -107,19 +120,18 @@ def compare_with_secure_link(site):
     while count < 100000:
         count += int(re.search(r"(\d+) requests in", measure(plain.url, links, plain.cookie))[1])
     print(f"memory {before} KiB, {read_memory(plain.pid)} KiB after {count} more requests", flush=True)
-    nginx.terminate()
-    nginx.wait()
-    return plain.stop() + accel.stop()
 
 
-def kill_one_of_two(site):
+def kill_one_of_two(site, cleanup):
     here = os.path.dirname(os.path.abspath(__file__))
     run = subprocess.Popen([os.path.join(here, "../compose/run"), os.environ["ARXGATE"], site.root],
                            stdout=subprocess.PIPE, text=True)
+    cleanup.callback(end, run)
     while not (announced := re.search(r"password (\S+), logs in (\S+)", run.stdout.readline())):
         pass
     time.sleep(1)
-    gate = Gate(site)  # for its client alone
+    gate = Gate(site)  # only its client is used, for the gateways that run has started
+    cleanup.callback(gate.stop)
     gate.url = "https://127.0.0.1:8443"
     assert gate.log_in("demo", announced[1].replace("+", "%2B")).status == 303
 
@@ -129,16 +141,23 @@ def kill_one_of_two(site):
             os.kill(int(pid.read()), signal.SIGKILL)
 
     report("one of two killed and restarted", measure(gate.url, list(gate.links().values()), gate.cookie, 50, 8, kill))
-    gate.stop()
-    run.terminate()
-    run.wait()
+
+
+def end(process):
+    process.terminate()
+    process.wait()
+
+
+def main():
+    with contextlib.ExitStack() as cleanup:
+        site = Site()
+        cleanup.callback(site.close)
+        for number in range(FILES):
+            site.store(f"file{number}.txt", os.urandom(1024))
+        os.chdir(os.path.dirname(site.root))
+        compare_with_secure_link(site, cleanup)
+        kill_one_of_two(site, cleanup)
 
 
 if __name__ == "__main__":
-    SITE = Site()
-    os.chdir(os.path.dirname(SITE.root))
-    for number in range(FILES):
-        SITE.store(f"file{number}.txt", os.urandom(1024))
-    compare_with_secure_link(SITE)
-    kill_one_of_two(SITE)
-    SITE.close()
+    main()
