@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_VENDOR ArxiumCommon)
 set(CPACK_PACKAGE_CONTACT "ArxiumCommon <arxiumcommon@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
+set(CPACK_STRIP_FILES OFF)  # each package strips its files, and keeps what it takes away in another one
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL Runtime Development Doc)
@@ -17,6 +17,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+# A package of its own, of use where the build type keeps debug information, as RelWithDebInfo does.
+set(CPACK_DEBIAN_RUNTIME_DEBUGINFO_PACKAGE ON)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libarxiumcommon-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
