@@ -25,5 +25,5 @@ void ARXDomWriterOJDOutputStream::write(char const* data, int size)
 
 void ARXDomWriterOJDOutputStream::endline()
 {
-    m_pStream->write("\n", 1);  // what ends a line in the target is for the target to say
+    m_pStream->write("\n", 1);  // the target decides how a line ends in its text
 }

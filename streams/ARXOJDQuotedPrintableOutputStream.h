@@ -1,9 +1,17 @@
 // Encodes bytes as quoted-printable text (RFC 2045, 6.7): lines of at most 76 characters that end in CRLF.
 //
-// A line feed and a carriage return with a line feed end a line; a carriage return alone is data. The text
-// depends on the bytes alone, not on how they are split among calls. The last line leaves only when the
-// filter is destroyed: flush and close do nothing. No memory is allocated. One filter serves one thread at
-// a time.
+// Example:
+//     #include "OJDStreamsDLL/OJDFileOutputStream.h"
+//     OJDFileOutputStream file("/tmp/text", 0);
+//     {
+//         ARXOJDQuotedPrintableOutputStream filter(file, false);
+//         filter.write("1 + 1 = 2\n", 10);
+//     }  // sends the last line
+//     file.close();
+//
+// A line feed ends a line, with or without a carriage return before it; a carriage return alone is data. The
+// text does not depend on how the bytes are split among calls. The last line leaves only in the destructor:
+// flush and close do nothing. No memory is allocated. A filter serves one thread at a time.
 
 #ifndef ARXIUM_STREAMS_ARXOJDQUOTEDPRINTABLEOUTPUTSTREAM_H
 #define ARXIUM_STREAMS_ARXOJDQUOTEDPRINTABLEOUTPUTSTREAM_H
@@ -17,25 +25,28 @@
 class ARXIUM_API ARXOJDQuotedPrintableOutputStream : public OJDFilterOutputStream
 {
 public:
-    // Without a target, which wrap gives it; what is written before that is dropped.
+    // Has no target until wrap; what is written before is dropped.
     ARXOJDQuotedPrintableOutputStream();
-    // target is borrowed and must outlive the filter, whose destructor still writes. It gets one write a line
-    // and no flush or close.
+    // target is borrowed and must outlive the filter, whose destructor writes to it. The filter calls its
+    // write once for each line, and never its flush or close.
     ARXOJDQuotedPrintableOutputStream(OJDOutputStream& target, bool encodeOnlyTraillingTab);
-    // Sends the unfinished last line, without CRLF. A carriage return at the very end is lost, and so is what
-    // the target refuses, or all that is left if it was unwrapped.
+    // Sends the last line, without CRLF. Lost are a carriage return at the very end, what the target refuses,
+    // and all that is left if the target was unwrapped.
     ~ARXOJDQuotedPrintableOutputStream() override;
 
     ARXOJDQuotedPrintableOutputStream(ARXOJDQuotedPrintableOutputStream const&) = delete;
     ARXOJDQuotedPrintableOutputStream& operator=(ARXOJDQuotedPrintableOutputStream const&) = delete;
 
-    // What the target raises passes through, and data behind that line is not taken. The line is kept and
-    // sent again, before anything else, by the next write or by the destructor.
+    // size is in bytes. What the target raises passes through. The refused line is kept, and the next write
+    // or the destructor sends it first; a write that fails at that takes no byte.
+    //
+    // A write that fails at a line of its own has taken the bytes before the one in hand. Give that byte
+    // again, unless it is a line feed: its CRLF is in the refused line.
     void write(char const* data, std::size_t size) override;
     void flush() override;
 
-    // True leaves a tab as it is unless it ends a line; false, as at first, encodes every tab. Holds from the
-    // next byte on.
+    // True: a tab is encoded only at the end of a line. False, the default: always. Applies from the next
+    // byte.
     void setIsEncodeOnlyTraillingTab(bool encodeOnlyTraillingTab);
 
 private:
@@ -47,13 +58,13 @@ private:
     void injectPendingCR();
     void sendLine(std::int32_t size);
 
-    // A full line, a trailing character moved behind it, its own line end, and room to store more bytes at
-    // once than are kept.
+    // A full line, a trailing character that is moved after it, its line end, and room for steps of eight
+    // bytes.
     char m_buffer[92];
     std::int32_t m_count;  // bytes in m_buffer
-    bool m_pendingCR;      // a carriage return was seen that is data unless a line feed follows
+    bool m_pendingCR;      // a carriage return came, which is data unless a line feed follows
     bool m_encodeOnlyTraillingTab;
-    std::int32_t m_unsentLine;  // bytes of a finished line in m_buffer that the target refused, else 0
+    std::int32_t m_unsentLine;  // bytes of the line that the target refused; 0 for none
 };
 
 #endif

@@ -35,7 +35,7 @@ ARXOJDSecureFileOutputStream::~ARXOJDSecureFileOutputStream()
     }
     catch (...)
     {
-        // The session of a file that can't be finished must not outlive the stream.
+        // The session of a file that can't be finished must not outlive the stream; the guard closes it.
         ARXSimpleKRYHandleIPtr const unfinished(m_secureCrypto);
     }
 }
@@ -107,15 +107,14 @@ void ARXOJDSecureFileOutputStream::openEncrypted(char const* filename)
 {
     NEB_ASSERT(filename && *filename);
     initKRYHandle();
-    // The document before goes when the new one stands: filename may lie in it.
+    // filename may point into the previous document, which therefore lives until the new one is made.
     NEB_NEW(m_pCipherDocInfo, std::make_unique<std::string>(
                                   std::string("<setInfoDocument><action>CipherStream</action><fileOutput>") +
                                   filename + "</fileOutput></setInfoDocument>"));
     setKRYInfo(m_pCipherDocInfo->c_str());
 }
 
-// A refused set-up leaves m_secureCrypto as well: the destructor gives it back, and until then the stream
-// counts as open.
+// m_secureCrypto stays set after a failure: the stream then counts as open until the destructor frees it.
 void ARXOJDSecureFileOutputStream::initKRYHandle()
 {
     NEB_ASSERT(!m_secureCrypto);
@@ -129,7 +128,7 @@ void ARXOJDSecureFileOutputStream::setKRYInfo(char const* document)
     m_secureCrypto->setInfo(document, nullptr);
 }
 
-// On failure m_secureCrypto stays, so that the file can be finished by another try.
+// m_secureCrypto stays set after a failure, so that the caller can try again.
 void ARXOJDSecureFileOutputStream::closeKRYFile()
 {
     setKRYInfo(s_xmlCloseOffSetInfoDoc);
@@ -141,7 +140,7 @@ void ARXOJDSecureFileOutputStream::closeKRYFile()
     m_secureCrypto = nullptr;
 }
 
-// What is behind outData is not looked at: for a file the crypto interface hands nothing out.
+// outData stays null: for a file the crypto interface returns no data.
 void ARXOJDSecureFileOutputStream::writeEncrypted(char const* data, std::size_t size)
 {
     NEB_ASSERT_NAMED(m_secureCrypto, "AROJDSecureFileOutputStream::writeEncrypted() - Trying to write to uninitialized stream");

@@ -1,9 +1,21 @@
-// A file sink whose file is plain, or encrypted by the crypto interface.
+// Writes a file that is plain, or encrypted by the crypto interface.
 //
-// The mode is chosen per stream, by setSecureType or else by one configuration setting. An encrypted file is
-// created and written by the crypto interface, through a session of the stream's own, between open and close;
-// Arxium::initialize comes before. Assertions raise NEBAssertError and leave the stream as it was; their
-// texts spell the class "AROJD...", which hosts know. One stream serves one thread at a time.
+// Example:
+//     ARXOJDSecureFileOutputStream file;  // after Arxium::initialize
+//     file.setSecureType(ARXOJDSecureFileOutputStream::secureTypeEncrypted);
+//     file.open("/tmp/report.sealed");
+//     file.write("secret", 6);
+//     file.close();  // reports what fails, as the destructor can't
+//
+// Each stream has a mode, set by setSecureType or else by the setting fileEncryption. The crypto interface
+// makes the encrypted file, in a session of the stream's own (NIST SP 800-38D), and gives it its name in
+// close.
+//
+// Warning: the destructor finishes a file that is open, also while an exception unwinds the stack. A short
+// file then takes the name and opens without an error. docs/output-streams.md shows how a host discards it.
+//
+// Assertions raise NEBAssertError and change nothing; their texts spell the class "AROJD...", which hosts
+// know. A stream serves one thread at a time.
 
 #ifndef ARXIUM_STREAMS_ARXOJDSECUREFILEOUTPUTSTREAM_H
 #define ARXIUM_STREAMS_ARXOJDSECUREFILEOUTPUTSTREAM_H
@@ -25,37 +37,38 @@ public:
     {
         secureTypePlain = 0,
         secureTypeEncrypted = 1,
-        secureTypeFromConfiguration = 2  // open replaces it by one of the others, for good
+        secureTypeFromConfiguration = 2  // the first open replaces it by one of the others
     };
 
-    // With secureTypeFromConfiguration.
+    // The mode is secureTypeFromConfiguration.
     ARXOJDSecureFileOutputStream();
-    // Finishes the file as close does; what fails is lost here.
+    // Finishes an open file as close does. What fails is not reported.
     ~ARXOJDSecureFileOutputStream() override;
 
-    // filename (bytes, no conversion) must not be empty. It goes into a document of the crypto interface as
-    // it is, not escaped, and may lie in getCipherDocInfo's text. An encrypted stream may be opened again
-    // after close, a plain one may not. If the crypto interface refuses, ARXException is raised and the
-    // stream counts as open, good only for destruction; a file that can't be made raises NEBException.
+    // filename is bytes without conversion, not empty. It goes unescaped into a document of the crypto
+    // interface, so users must not choose it freely. An encrypted stream can be opened again after close, a
+    // plain one can't. Raises NEBException if a plain file can't be made, and ARXException if the crypto
+    // interface refuses; the stream then counts as open and can only be destroyed.
     void open(char const* filename);
 
-    // Raises if no file is open, and on failure, when the part of data before it has been written.
+    // size is in bytes. Raises NEBAssertError if no file is open or the crypto interface fails, and
+    // NEBException if a plain file does. What was written before stays written.
     void write(char const* data, std::size_t size) override;
-    // Has an effect on a plain file alone.
+    // Affects plain files only.
     void flush() override;
-    // Where the file can't be finished this raises and the stream stays open; a second try is allowed. A
-    // second call after success does nothing.
+    // Finishes the file. If that fails, raises, and the stream stays open for another try. Does nothing on a
+    // closed stream.
     void close() override;
 
-    // Only before open, or after close of an encrypted stream.
+    // Allowed before open, and after close of an encrypted stream.
     void setSecureType(secureTypeEnum type);
     secureTypeEnum getSecureType() const { return m_secureType; }
-    // The setInfoDocument of an encrypted stream, also after close; valid until the next open. Raises if
-    // there was none.
+    // The setInfoDocument of an encrypted stream, also after close; valid until the next open or destruction.
+    // Raises NEBAssertError if there is none.
     char const* getCipherDocInfo() const;
 
 protected:
-    // Raises for a stream that is not plain.
+    // Raises NEBAssertError unless the stream is plain and was opened.
     OJDFileOutputStream& getNonSecureStream();
 
 private:

@@ -20,7 +20,7 @@ std::size_t constexpr s_copyBufferSize = 2048;
 std::uint32_t constexpr s_dosFolder = 0x10;
 char constexpr s_separators[] = "/\\";
 
-// Whether the elements of name, followed one by one, ever climb above the place where they start.
+// Whether following the elements of name ever leads above the place where they start.
 bool leadsOutside(std::string const& name)
 {
     int depth = 0;
@@ -37,7 +37,7 @@ bool leadsOutside(std::string const& name)
     return depth < 0;
 }
 
-// By its name; an entry made on DOS may say it by its attribute alone (APPNOTE.TXT, 4.4.2 and 4.4.15).
+// By its name, or, if it was made on DOS, by its attribute (APPNOTE.TXT, 4.4.2 and 4.4.15).
 bool marksFolder(ARXUnzipFile::UZ_FileInfo const& info)
 {
     std::size_t const length = std::strlen(info.szFileName);
@@ -85,7 +85,7 @@ bool ARXUnzipFile::openZip(char const* zipPath)
 
     std::string resolved = zipPath;
     NEBFmDir::resolveEffectivePath(resolved);
-    // Ready before the archive is open: nothing behind unzOpen may raise and lose the handle.
+    // Made before the archive is open: what raises after unzOpen would lose the handle.
     std::string folder;
     NEBFmDir::splitPath(resolved, &folder, nullptr);
     m_uzFile = unzOpen(resolved.c_str());
@@ -101,7 +101,7 @@ bool ARXUnzipFile::closeZip()
     m_zipFolder.clear();
     if (!m_uzFile)
         return true;
-    unzCloseCurrentFile(m_uzFile);  // an error of the entry is none of the archive
+    unzCloseCurrentFile(m_uzFile);  // whether the entry was right does not matter here
     return unzClose(std::exchange(m_uzFile, nullptr)) == UNZ_OK;
 }
 
@@ -154,7 +154,7 @@ bool ARXUnzipFile::unzip(bool ignorePath, char const* szFolder)
     if (getFileCount() == 0 || !gotoFirstFile())
         return false;
 
-    // The end of the list and an error look alike in gotoNextFile, so both count as the end.
+    // gotoNextFile returns false at the end and on an error; both count as the end.
     do
     {
         if (!unzipFile(szFolder, ignorePath))
@@ -178,7 +178,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
         return false;
 
     std::string name = info.szFileName;
-    // A folder is made with its path even so: its last element alone would mean nothing.
+    // A folder keeps its path: its last element alone would mean nothing.
     if (ignorePath && !info.isFolder)
         NEBFmDir::splitPath(name, nullptr, &name);
     if (leadsOutside(name))
@@ -192,7 +192,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
     return NEBFmDir::createRecursiveDir(directory) != 0 && extractTo(target, info);
 }
 
-// What an entry that can't be opened, or not to its end, leaves behind stays: its file without its date.
+// If the entry can't be read to its end, the file stays, without the entry's date.
 bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 {
     NEBFmFile file;
@@ -203,9 +203,9 @@ bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 
     bool const isComplete = copyEntry(m_uzFile, file);
     file.close();
-    unzCloseCurrentFile(m_uzFile);  // tells a wrong checksum, which does not change the outcome
+    unzCloseCurrentFile(m_uzFile);  // reports a wrong checksum, which does not change the result
     if (isComplete)
-        setFileModTime(target.c_str(), info.dosDate);  // a file without its date is extracted all the same
+        setFileModTime(target.c_str(), info.dosDate);  // without its date the file is still extracted
     return isComplete;
 }
 
@@ -216,7 +216,7 @@ bool ARXUnzipFile::isOpenArchive(std::string target) const
     return std::filesystem::equivalent(m_zipPath, target, error);
 }
 
-// The date as local time; the last access, which the extraction has not changed, is written back as it was.
+// Takes dosDate as local time. The last access is written back unchanged.
 bool ARXUnzipFile::setFileModTime(char const* path, unsigned int dosDate)
 {
     HANDLE const file =

@@ -1,4 +1,4 @@
-// What extractor and stream share about the entries that minizip shows them.
+// What extractor and stream share about entries.
 
 #ifndef ARXIUM_ZIP_ARXZIPENTRYRULES_H
 #define ARXIUM_ZIP_ARXZIPENTRYRULES_H
@@ -30,8 +30,8 @@ void copyEntryNumbers(unz_file_info const& from, Record& to)
     to.externalAttributes = entryNumber(from.external_fa);
 }
 
-// Opens the current entry for reading; flag and method are its own. False for what minizip doesn't open, and
-// for encrypted entries and foreign methods, which it "opens" only to hand out raw bytes as contents.
+// Opens the current entry, whose flag and method are passed, for reading. Returns false for what minizip
+// can't open, and for encrypted entries and foreign methods, which it opens but reads as raw bytes.
 bool openReadableEntry(unzFile zipFile, std::uint32_t flag, std::uint32_t method);
 
 #endif

@@ -6,7 +6,7 @@
 #include "zip/ARXZipInputStreamFromFile.h"
 #include "zip/ARXZipInputStreamFromFileHandle.h"
 
-// A failure gains an entry in its back trace at each level that it passes, this one included.
+// NEB_NEW adds an entry to the back trace of a failure, at this level as at those below.
 ARXZipInputStream::ARXZipInputStream(char const* path)
 {
     NEB_NEW(m_pStream, std::make_unique<ARXZipInputStreamFromFile>(path));

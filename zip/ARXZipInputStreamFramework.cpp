@@ -49,7 +49,7 @@ std::size_t ARXZipInputStreamFramework::read()
     return read(&byte, 1) == 1 ? static_cast<unsigned char>(byte) : s_end;
 }
 
-// An error and the end of the entry look alike: a short count, and all ones where nothing came.
+// The end of the entry and an error look alike: a short count, or s_end if nothing was read.
 std::size_t ARXZipInputStreamFramework::read(char* buf, std::size_t n)
 {
     NEB_ASSERT(buf);
@@ -68,8 +68,8 @@ std::size_t ARXZipInputStreamFramework::read(char* buf, std::size_t n)
 
 std::size_t ARXZipInputStreamFramework::read(NEBByteBuffer& target, std::size_t n)
 {
-    // A sum that can't be expressed fails like any room that can't be had. At least one byte, since a buffer
-    // without room has no address to read to.
+    // A sum that overflows fails like any size that can't be reserved. At least one byte, since an empty
+    // buffer has no address.
     std::size_t const missing = std::max<std::size_t>(n, 1);
     target.reserve(missing > SIZE_MAX - target.pcount() ? SIZE_MAX : target.pcount() + missing);
     std::size_t const count = read(target.str() + target.pcount(), n);
@@ -98,7 +98,7 @@ bool ARXZipInputStreamFramework::getNextEntry()
     return m_zipFile && checked(unzGoToNextFile(m_zipFile)) == UNZ_OK;
 }
 
-// Not minizip's own search, which knows neither "\" nor the end of a name that fills its buffer.
+// minizip's own search does not take "\" as a separator, and cuts long names.
 bool ARXZipInputStreamFramework::locate(char const* name)
 {
     NEB_ASSERT_NAMED(name, "[ARZipInputStreamFramwork::locateFile] Path cannot be null.");
@@ -139,7 +139,7 @@ bool ARXZipInputStreamFramework::openCurrentEntry()
         unzCloseCurrentFile(m_zipFile);
     m_entryOpen = false;
 
-    // Asked for its numbers only; without a buffer no name is too long.
+    // Only the numbers: without a buffer no name is too long.
     unz_file_info info{};
     if (checked(unzGetCurrentFileInfo(m_zipFile, &info, nullptr, 0, nullptr, 0, nullptr, 0)) != UNZ_OK)
         return false;

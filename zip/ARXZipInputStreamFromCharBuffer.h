@@ -1,5 +1,5 @@
-// A zip stream over an archive in memory, which is read in place and must stay valid and unchanged. Any
-// number of streams may share the bytes.
+// A zip stream over an archive in memory, which is read in place. The bytes must stay valid and unchanged;
+// streams may share them.
 
 #ifndef ARXIUM_ZIP_ARXZIPINPUTSTREAMFROMCHARBUFFER_H
 #define ARXIUM_ZIP_ARXZIPINPUTSTREAMFROMCHARBUFFER_H

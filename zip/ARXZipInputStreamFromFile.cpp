@@ -24,7 +24,7 @@ ARXZipInputStreamFromFile::ARXZipInputStreamFromFile(char const* path)
 
 ARXZipInputStreamFromFile::~ARXZipInputStreamFromFile()
 {
-    std::fclose(m_fileHandle);  // the inner stream, destroyed after this, no longer touches it
+    std::fclose(m_fileHandle);  // the inner stream does not touch it in its destructor
 }
 
 ARXZipInputStreamI* ARXZipInputStreamFromFile::getFramework()

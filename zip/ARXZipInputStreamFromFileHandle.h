@@ -1,6 +1,5 @@
-// A zip stream over a FILE* that the caller has opened for binary reading. The archive starts at the file's
-// first byte, wherever the FILE* stands. Nobody else may move the FILE* while the stream reads; it stays open
-// afterwards.
+// A zip stream over a FILE* that the caller has opened for binary reading and closes afterwards. The archive
+// begins at the file's first byte. Nobody else may move the FILE* while the stream reads.
 
 #ifndef ARXIUM_ZIP_ARXZIPINPUTSTREAMFROMFILEHANDLE_H
 #define ARXIUM_ZIP_ARXZIPINPUTSTREAMFROMFILEHANDLE_H

@@ -1,11 +1,12 @@
 // A zip archive read as an input stream: move to an entry, open it, and read its contents.
 //
 // Example:
-//     ARXZipInputStreamI* const zip = nullptr;  // an ARXZipInputStream
+//     #include "zip/ARXZipInputStream.h"
+//     ARXZipInputStream zip("/tmp/backup.zip");
 //     std::string name;
-//     for (bool isEntry = zip && zip->getFirstEntry(); isEntry; isEntry = zip->getNextEntry())
-//         if (zip->getCurrentEntryName(name) && zip->openCurrentEntry())
-//             zip->read();
+//     for (bool isEntry = zip.getFirstEntry(); isEntry; isEntry = zip.getNextEntry())
+//         if (zip.getCurrentEntryName(name) && zip.openCurrentEntry())
+//             zip.read();  // the first byte
 //
 // Names are bytes as stored, whatever UTF-8 flag the entry has. An entry never gives more bytes than it
 // declares. An object serves one thread at a time.

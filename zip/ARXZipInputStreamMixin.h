@@ -1,4 +1,4 @@
-// Base of the sources of a zip stream: hands every operation to the stream that getFramework names.
+// Base of the sources of a zip stream. Each operation calls the same one of the stream in getFramework.
 
 #ifndef ARXIUM_ZIP_ARXZIPINPUTSTREAMMIXIN_H
 #define ARXIUM_ZIP_ARXZIPINPUTSTREAMMIXIN_H

@@ -26,7 +26,7 @@ uLong readBuffer(voidpf, voidpf stream, void* buf, uLong size)
     std::size_t const position = pZipCharBuffer->m_position;
     std::size_t const count = std::min<std::size_t>(size, pZipCharBuffer->m_size - position);
     pZipCharBuffer->m_position = position + count;
-    // minizip reads all its headers byte by byte; a plain assignment saves the call for each.
+    // minizip reads headers byte by byte; the assignment saves a call for each.
     if (count == 1)
         *static_cast<char*>(buf) = pZipCharBuffer->m_pBuffer[position];
     else if (count != 0)
@@ -47,12 +47,12 @@ long tellBuffer(voidpf, voidpf stream)
     return static_cast<long>(pZipCharBuffer->m_position);
 }
 
-// Offsets back from the current byte come as sums that wrap round, as minizip's unsigned type makes them.
+// offset is unsigned: a step back comes as a large number, and the sum wraps round.
 long seekBuffer(voidpf, voidpf stream, uLong offset, int origin)
 {
     auto* const pZipCharBuffer = static_cast<ZipCharBuffer*>(stream);
     NEB_ASSERT(pZipCharBuffer);
-    std::size_t target = pZipCharBuffer->m_size;  // where no seek leads
+    std::size_t target = pZipCharBuffer->m_size;  // which is refused
     if (origin == ZLIB_FILEFUNC_SEEK_SET)
         target = offset;
     else if (origin == ZLIB_FILEFUNC_SEEK_CUR)

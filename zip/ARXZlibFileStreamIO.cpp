@@ -21,8 +21,7 @@ voidpf openFile(voidpf opaque, char const*, int)
 
 uLong readFile(voidpf, voidpf stream, void* buf, uLong size)
 {
-    // minizip reads all its headers byte by byte, and a whole fread for each would be most of the time of a
-    // walk.
+    // minizip reads headers byte by byte; an fread for each byte would take most of the time of a walk.
     if (size == 1)
     {
         int const byte = ::getc_unlocked(fileOf(stream));

@@ -7,8 +7,8 @@
 
 struct zlib_filefunc_def_s;
 
-// Fills the whole table, with pFile as its opaque word; nothing is checked before the open function is
-// called, which rewinds the file.
+// Fills the whole table, with pFile as its opaque word. The open function checks that pFile is not null and
+// rewinds the file. Where long has 32 bits, the functions fail beyond 2 GiB.
 void fillZlibFileStreamIO(zlib_filefunc_def_s* table, std::FILE* pFile);
 
 #endif
