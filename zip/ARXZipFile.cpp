@@ -28,7 +28,7 @@ std::uint64_t constexpr s_heldBack = 1 << 20;
 std::tm toLocalTime(std::time_t time)
 {
     std::tm local{};
-    ::tzset();  // localtime_r alone need not look at a TZ that has changed
+    ::tzset();  // localtime_r need not notice a changed TZ
     if (!::localtime_r(&time, &local))
     {
         local = std::tm{};
@@ -38,7 +38,7 @@ std::tm toLocalTime(std::time_t time)
     return local;
 }
 
-// The month stays counted from 0 and the year from 1900: minizip takes both so.
+// minizip too counts months from 0 and years from 1900.
 zip_fileinfo makeFileInfo(std::tm const& local)
 {
     zip_fileinfo info{};
@@ -75,7 +75,7 @@ ARXZipFile::~ARXZipFile()
 void ARXZipFile::create(char const* fileName)
 {
     NEB_ASSERT(fileName != NULL);
-    std::string newName = fileName;  // before anything is opened, so that lack of memory leaves all as it was
+    std::string newName = fileName;  // lack of memory shows before anything changes
     close();
 
     m_zipFile = zipOpen(fileName, APPEND_STATUS_CREATE);
@@ -99,7 +99,7 @@ void ARXZipFile::addFile(char const* fileName, char const* baseDir)
     bool const exists =
         NEBFmDir::exists(fileName, NEBFmDir::s_regularFile) != 0;  // named for the assertion's text
     NEB_ASSERT(exists);
-    // Before the first create the name is empty and part of every path, so that nothing is added.
+    // Before the first create the name is empty and so part of every path.
     if (std::strstr(fileName, m_zipFileName.c_str()))
         return;
 
@@ -131,7 +131,7 @@ void ARXZipFile::addFile(I18NString const& fileName, I18NString const& baseDir)
 void ARXZipFile::addDirectory(char const* dirName, char const* baseDir, bool recursive, bool resolvePaths)
 {
     NEB_ASSERT(dirName);
-    // Before the paths are resolved, so that both come out alike.
+    // First, so that both are resolved alike.
     if (!baseDir)
         return addDirectory(dirName, dirName, recursive, resolvePaths);
     if (resolvePaths)
@@ -168,7 +168,7 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
     NEB_ASSERT(fileName != NULL);
     NEB_ASSERT(m_zipFile != NULL);
     if (m_fileOpen)
-        closeFileInZip();  // before the last check, which therefore finds no entry open when it fails
+        closeFileInZip();  // stays closed if the next check fails
     NEB_ASSERT(0 < strlen(fileName));
 
     char const* const commentText = comment ? comment->c_str(nullptr, nullptr, nullptr, nullptr) : nullptr;
@@ -189,7 +189,7 @@ void ARXZipFile::writeInFileInZip(unsigned char* data, unsigned int length)
     if (!m_fileOpen)
         raiseWithText(NEB_HERE, {"No file currently open in zip file."}, "ARXZipFile::writeInFileInZip");
 
-    // A null pointer never reaches minizip: it would start the entry's running checksum afresh.
+    // minizip would restart the checksum of the entry for a null pointer.
     int nRet = ZIP_OK;
     if (length != 0)
         nRet = data && hasRoomFor(length) ? zipWriteInFileInZip(m_zipFile, data, length) : ZIP_PARAMERROR;
@@ -202,7 +202,7 @@ void ARXZipFile::closeFileInZip()
     if (!m_fileOpen)
         raiseWithText(NEB_HERE, {"No file currently open in zip file."}, "ARXZipFile::closeFileInZip");
 
-    zipCloseFileInZip(m_zipFile);  // finished for minizip also where it reports an error
+    zipCloseFileInZip(m_zipFile);  // ends the entry even if it reports an error
     m_fileOpen = false;
 }
 
@@ -212,11 +212,12 @@ void ARXZipFile::close()
         closeFileInZip();
     if (!m_zipFile)
         return;
-    zipClose(std::exchange(m_zipFile, nullptr), nullptr);  // frees the handle also where it reports an error
+    zipClose(std::exchange(m_zipFile, nullptr), nullptr);  // frees the handle even if it reports an error
     ::close(std::exchange(m_archive, -1));
 }
 
-// What minizip would lose memory over, a level that zlib refuses, or write where no reader finds it.
+// Refuses a level that zlib refuses, since minizip would lose memory, and an entry beyond 4 GiB, which
+// minizip would write but no reader finds.
 int ARXZipFile::refusalOf(int zipMethod, int level) const
 {
     if (zipMethod == Z_DEFLATED && (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION))
@@ -229,7 +230,7 @@ bool ARXZipFile::hasRoomFor(unsigned int length) const
     return length <= s_largestNumber - m_entrySize && !isArchiveFull(length);
 }
 
-// The file itself tells its size, since minizip doesn't; deflate may add a little to what can't be packed.
+// minizip does not report the size of the archive, so its file must. Deflated noise is a little longer.
 bool ARXZipFile::isArchiveFull(unsigned int length) const
 {
     struct stat status;
