@@ -289,7 +289,7 @@ TEST_F(ARXZipFileTest, RefusesWhatTakesTheArchivePast4GiB)
     EXPECT_EQ(notOpened("-102") + " x1", failureOf([&] { open(m_archive, "next"); }));
 }
 
-// docs/formats.md explains these bytes. An empty file is deflated to the same two bytes by every zlib.
+// docs/zip.md explains these bytes. An empty file is deflated to the same two bytes by every zlib.
 TEST_F(ARXZipFileTest, WritesTheSameBytesEverywhere)
 {
     setenv("TZ", "IST-5:30", 1);
