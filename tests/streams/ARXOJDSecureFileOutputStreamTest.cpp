@@ -5,45 +5,32 @@
 #include "frame/Arxium.h"
 #include "streams/StreamTools.h"
 #include "support/CryptoRecorder.h"
+#include "support/Rows.h"
 
 namespace
 {
 struct Stream : ARXOJDSecureFileOutputStream
 {
     using ARXOJDSecureFileOutputStream::getNonSecureStream;
+
+    Stream& open(secureTypeEnum type, char const* name = "/dev/null")
+    {
+        setSecureType(type);
+        ARXOJDSecureFileOutputStream::open(name);
+        return *this;
+    }
 };
 
-// Each letter is a call, a digit the secure type.
-void play(Stream& stream, std::string const& steps)
-{
-    auto const fail = [](char const* function)
-    { CryptoRecorder::get().failCall(function, 1, Fault::Details); };
-    std::map<char, std::function<void()>> const calls = {{'o', [&] { stream.open("/dev/null"); }},
-                                                         {'m', [&] { stream.open("/dev/null/x"); }},
-                                                         {'n', [&] { stream.open(nullptr); }},
-                                                         {'e', [&] { stream.open(""); }},
-                                                         {'w', [&] { stream.write("a", 1); }},
-                                                         {'z', [&] { stream.write("", 0); }},
-                                                         {'c', [&] { stream.flush(), stream.close(); }},
-                                                         {'d', [&] { stream.getCipherDocInfo(); }},
-                                                         {'s', [&] { stream.getNonSecureStream(); }},
-                                                         {'!', [&] { fail("KRY_PersistentInitialize"); }},
-                                                         {'?', [&] { fail("KRY_SetInfo"); }},
-                                                         {'%', [&] { fail("KRY_ProtectData"); }}};
-    for (char const step : steps)
-        if (step >= '0' && step <= '9')
-            stream.setSecureType(static_cast<Stream::secureTypeEnum>(step - '0'));
-        else
-            calls.at(step)();
-}
+auto constexpr s_plain = Stream::secureTypePlain;
+auto constexpr s_encrypted = Stream::secureTypeEncrypted;
 
 // All that callers can see of a stream: its type, and which of three calls work.
 std::string stateOf(Stream& stream)
 {
-    std::string state = std::to_string(stream.getSecureType());
-    for (char const* step : {"d", "s", "z"})
-        state += raisedBy([&] { play(stream, step); }).empty() ? '+' : '-';
-    return state;
+    return std::to_string(stream.getSecureType()) +
+           (raisedBy([&] { stream.getCipherDocInfo(); }).empty() ? " document" : "") +
+           (raisedBy([&] { stream.getNonSecureStream(); }).empty() ? " plain" : "") +
+           (raisedBy([&] { stream.write("", 0); }).empty() ? " write" : "");
 }
 
 struct ARXOJDSecureFileOutputStreamTest : RecordedTest
@@ -64,91 +51,150 @@ TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
     m_recorder.m_settings["fileEncryption"] = "on";
     {
         Stream stream;
-        EXPECT_EQ("2---", stateOf(stream));
-        play(stream, "c");
-        stream.open(name.c_str());
-        play(stream, "wz"), stream.write(nullptr, 5), play(stream, "cc");
-        Lines const expected = {
-            "configuration fileEncryption",
-            open,
-            "KRY_SetInfo S1 " + cipher + name + end,
-            "KRY_ProtectData S1 a",
-            "KRY_SetInfo S1" + finish,
-            "KRY_ProtectData S1 ",
-            "KRY_CloseHandle S1",
-        };
-        EXPECT_EQ(expected, m_recorder.takeCalls());
-        stream.open(stream.getCipherDocInfo());
+        stream.close();  // does nothing, as the second one below
+        stream.ARXOJDSecureFileOutputStream::open(name.c_str());
+        stream.write("a", 1);
+        stream.write("", 0);
+        stream.write(nullptr, 5);
+        stream.flush();
+        stream.close();
+        stream.close();
+        Lines const calls = {"configuration fileEncryption",
+                             open,
+                             "KRY_SetInfo S1 " + cipher + name + end,
+                             "KRY_ProtectData S1 a",
+                             "KRY_SetInfo S1" + finish,
+                             "KRY_ProtectData S1 ",
+                             "KRY_CloseHandle S1"};
+        EXPECT_EQ(calls, m_recorder.takeCalls());
+        stream.ARXOJDSecureFileOutputStream::open(stream.getCipherDocInfo());
     }
-    Lines const expected = {
-        open,
-        "KRY_SetInfo S2 " + cipher + cipher + name + end + end,
-        "KRY_SetInfo S2" + finish,
-        "KRY_ProtectData S2 ",
-        "KRY_CloseHandle S2",
-    };
-    EXPECT_EQ(expected, m_recorder.takeCalls());
+    Lines const calls = {open, "KRY_SetInfo S2 " + cipher + cipher + name + end + end,
+                         "KRY_SetInfo S2" + finish, "KRY_ProtectData S2 ", "KRY_CloseHandle S2"};
+    EXPECT_EQ(calls, m_recorder.takeCalls());
 }
 
-TEST_F(ARXOJDSecureFileOutputStreamTest, APlainFileIsTheSettingsOtherValue)
+TEST_F(ARXOJDSecureFileOutputStreamTest, AnyOtherSettingGivesAPlainFile)
 {
     TemporaryFolder const folder;
     for (std::string const setting : {"", "ON", "off"})
     {
         m_recorder.m_settings["fileEncryption"] = setting;
         Stream stream;
-        stream.open((folder / "file").c_str());
-        stream.write(setting.data(), setting.size()), stream.flush();
+        stream.ARXOJDSecureFileOutputStream::open((folder / "file").c_str());
+        stream.write(setting.data(), setting.size());
+        stream.flush();
         EXPECT_EQ(setting, readAll(folder / "file"));
         EXPECT_EQ(Lines{"configuration fileEncryption"}, m_recorder.takeCalls());
     }
 }
 
-TEST_F(ARXOJDSecureFileOutputStreamTest, AFailureHasItsTextAndLeavesItsState)
+struct FailureRow
 {
-    std::string const begin = "NEBAssertError: NEB_ASSERT", named = begin + "_NAMED(",
-                      type = "AROJDSecureFileOutputStream::",
-                      noName = named + "filename && *filename, \"" + type +
-                               "open() - Required file name parameter was not specified.\");",
-                      closed = named + "!m_secureCrypto && !m_pNonSecureStream, \"" + type,
-                      isOpen = closed + "open() - Stream already open.\");",
-                      fixed = closed + "setSecureType() - Stream already open.\");",
-                      reason = "ARXException: reason", noFile = "NEBException: /dev/null/x: Not a directory",
-                      notOpen = named + "false, \"Uninitialized stream for " + type + "write()\");",
-                      badType = named + "false, \"Unkown secure stream type for " + type + "open()\");",
-                      noDoc = begin + "(m_pCipherDocInfo);", notPlain = begin + "(m_pNonSecureStream);",
-                      write = begin + "(KRY_SUCCEEDED(status));",
-                      close = begin + "(KRY_SUCCEEDED( status ));";
-    // Steps, the last of which fails, and the state behind them.
-    std::tuple<std::string, char const*, std::string const&> const failures[] = {
-        {"n", "2---", noName},     {"1oe", "1+-+", noName},  {"1oo", "1+-+", isOpen},
-        {"0oo", "0-++", isOpen},   {"0oco", "0-+-", isOpen}, {"7o", "7---", badType},
-        {"1o0", "1+-+", fixed},    {"0oc1", "0-+-", fixed},  {"w", "2---", notOpen},
-        {"1ocw", "1+--", notOpen}, {"d", "2---", noDoc},     {"0od", "0-++", noDoc},
-        {"1os", "1+-+", notPlain}, {"1o%w", "1+-+", write},  {"1o%c", "1+-+", close},
-        {"1!o", "1--+", reason},   {"1?o", "1+-+", reason},  {"1o?c", "1+-+", reason},
-        {"0m", "0---", noFile}};
-    for (auto const& [steps, state, text] : failures)
-        for (char const* behind : {"", "?"})  // the end of the stream works, or fails too
-        {
-            EXPECT_EQ(Lines(), m_recorder.problems());
-            m_recorder.reset();
-            Stream stream;
-            play(stream, steps.substr(0, steps.size() - 1));
-            EXPECT_EQ(text, raisedBy([&, &last = steps.back()] { play(stream, {last}); }).at(0));
-            EXPECT_EQ(state, stateOf(stream)) << steps;
-            play(stream, behind);
-        }
+    char const* m_name;
+    void (*m_before)(Stream&);
+    char const* m_failing;  // the crypto function that then fails, or null
+    void (*m_call)(Stream&);
+    std::string m_text;
+    char const* m_after;
+};
+
+std::string assertion(std::string const& rest)
+{
+    return "NEBAssertError: NEB_ASSERT" + rest + ";";
 }
 
-TEST_F(ARXOJDSecureFileOutputStreamTest, SplitsAWriteBehindTheLargestSizeOf32Bits)
+std::string const s_class = "AROJDSecureFileOutputStream::",
+                  s_noName = assertion("_NAMED(filename && *filename, \"" + s_class +
+                                       "open() - Required file name parameter was not specified.\")"),
+                  s_notClosed = "_NAMED(!m_secureCrypto && !m_pNonSecureStream, \"" + s_class,
+                  s_isOpen = assertion(s_notClosed + "open() - Stream already open.\")"),
+                  s_fixed = assertion(s_notClosed + "setSecureType() - Stream already open.\")"),
+                  s_notOpen = assertion("_NAMED(false, \"Uninitialized stream for " + s_class + "write()\")"),
+                  s_badType =
+                      assertion("_NAMED(false, \"Unkown secure stream type for " + s_class + "open()\")"),
+                  s_noDocument = assertion("(m_pCipherDocInfo)"),
+                  s_notPlain = assertion("(m_pNonSecureStream)");
+
+using File = Stream&;
+auto const doNothing = [](File) {};
+auto const openPlain = [](File file) { file.open(s_plain); };
+auto const openEncrypted = [](File file) { file.open(s_encrypted); };
+auto const closePlain = [](File file) { file.open(s_plain).close(); };
+auto const closeEncrypted = [](File file) { file.open(s_encrypted).close(); };
+auto const openAgain = [](File file) { file.ARXOJDSecureFileOutputStream::open("/dev/null"); };
+auto const writeByte = [](File file) { file.write("a", 1); };
+auto const close = [](File file) { file.close(); };
+auto const getDocument = [](File file) { file.getCipherDocInfo(); };
+
+FailureRow const s_failures[] = {
+    {"NullName", doNothing, nullptr, [](File file) { file.open(s_encrypted, nullptr); }, s_noName, "1"},
+    {"EmptyName", openEncrypted, nullptr, [](File file) { file.ARXOJDSecureFileOutputStream::open(""); },
+     s_noName, "1 document write"},
+    {"EncryptedIsOpen", openEncrypted, nullptr, openAgain, s_isOpen, "1 document write"},
+    {"PlainIsOpen", openPlain, nullptr, openAgain, s_isOpen, "0 plain write"},
+    {"PlainWasOpen", closePlain, nullptr, openAgain, s_isOpen, "0 plain"},
+    {"UnknownType", doNothing, nullptr, [](File file) { file.open(static_cast<Stream::secureTypeEnum>(7)); },
+     s_badType, "7"},
+    {"TypeOfAnOpenStream", openEncrypted, nullptr, [](File file) { file.setSecureType(s_plain); }, s_fixed,
+     "1 document write"},
+    {"TypeAfterPlain", closePlain, nullptr, [](File file) { file.setSecureType(s_encrypted); }, s_fixed,
+     "0 plain"},
+    {"WriteBeforeOpen", doNothing, nullptr, writeByte, s_notOpen, "2"},
+    {"WriteAfterClose", closeEncrypted, nullptr, writeByte, s_notOpen, "1 document"},
+    {"DocumentBeforeOpen", doNothing, nullptr, getDocument, s_noDocument, "2"},
+    {"DocumentOfPlain", openPlain, nullptr, getDocument, s_noDocument, "0 plain write"},
+    {"InnerStreamOfEncrypted", openEncrypted, nullptr, [](File file) { file.getNonSecureStream(); },
+     s_notPlain, "1 document write"},
+    {"WriteRefused", openEncrypted, "KRY_ProtectData", writeByte, assertion("(KRY_SUCCEEDED(status))"),
+     "1 document write"},
+    {"CloseRefused", openEncrypted, "KRY_ProtectData", close, assertion("(KRY_SUCCEEDED( status ))"),
+     "1 document write"},
+    {"CloseDocumentRefused", openEncrypted, "KRY_SetInfo", close, "ARXException: reason", "1 document write"},
+    {"SessionRefused", doNothing, "KRY_PersistentInitialize", openEncrypted, "ARXException: reason",
+     "1 write"},
+    {"FileRefused", doNothing, "KRY_SetInfo", openEncrypted, "ARXException: reason", "1 document write"},
+    {"NoSuchFolder", doNothing, nullptr, [](File file) { file.open(s_plain, "/dev/null/x"); },
+     "NEBException: /dev/null/x: Not a directory", "0"},
+};
+
+struct FailureOfAStream : ARXOJDSecureFileOutputStreamTest, testing::WithParamInterface<FailureRow>
+{
+    void expectFailure(Stream& stream)
+    {
+        GetParam().m_before(stream);
+        if (GetParam().m_failing)
+            m_recorder.failCall(GetParam().m_failing, 1, Fault::Details);
+        EXPECT_EQ(GetParam().m_text, raisedBy([&] { GetParam().m_call(stream); }).at(0));
+        EXPECT_EQ(GetParam().m_after, stateOf(stream));
+    }
+};
+
+TEST_P(FailureOfAStream, HasItsTextAndLeavesItsState)
+{
+    Stream stream;
+    expectFailure(stream);
+}
+
+TEST_P(FailureOfAStream, LosesNoSessionIfTheDestructorFailsToo)
+{
+    Stream stream;
+    expectFailure(stream);
+    m_recorder.failCall("KRY_SetInfo", 1, Fault::Details);
+}
+
+INSTANTIATE_TEST_SUITE_P(Failures, FailureOfAStream, testing::ValuesIn(s_failures), RowName());
+
+TEST_F(ARXOJDSecureFileOutputStreamTest, SplitsAWriteAfterTheLargestSizeOf32Bits)
 {
     std::size_t const largest = 0xFFFFFFFF;
     int const flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
     auto* const data = static_cast<char*>(mmap(nullptr, largest + 1, PROT_READ, flags, -1, 0));
     Stream stream;
-    play(stream, "1o"), m_recorder.takeCalls();
-    stream.write(data, largest), stream.write(data, largest + 1);
+    stream.open(s_encrypted);
+    m_recorder.takeCalls();
+    stream.write(data, largest);
+    stream.write(data, largest + 1);
     std::string const call = "KRY_ProtectData S1 ", full = call + "4294967295 bytes";
     EXPECT_EQ((Lines{full, full, call + '\0'}), m_recorder.takeCalls());
     munmap(data, largest + 1);
