@@ -52,9 +52,7 @@ TEST_P(ArchiveOfATool, ReadsAlikeFromEverySource)
 
 ToolRow const s_tools[] = {
     {"Zip", "cd t && zip -r ../out.zip .", true},
-    {"ZipToAPipeBehindOtherBytes", "cd t && (echo front; zip -r - . | cat) >../out.zip", true},
-    {"SevenZip", "7z a -tzip out.zip ./t/.", true},
-    {"Python", "python3 -m zipfile -c out.zip t/*", true},
+    {"ZipToAPipeAfterOtherBytes", "cd t && (echo front; zip -r - . | cat) >../out.zip", true},
     {"Bsdtar", "cd t && bsdtar -a -cf ../out.zip .", true},
     {"Encrypted", "cd t && zip -P secret -r ../out.zip .", false},
     {"ForeignMethod", "7z a -tzip -mm=BZip2 out.zip ./t/.", false},
