@@ -1,12 +1,12 @@
-// Assertions. They stay on in every build and raise NEBAssertError, which callers may catch; its text is the
-// macro call as the source spells it, and hosts rely on these texts.
+// Assertions, active in every build. A false condition raises NEBAssertError, whose text is the macro call as
+// written in the source; hosts rely on these texts.
 
 #ifndef ARXIUM_FRAME_ARXASSERT_H
 #define ARXIUM_FRAME_ARXASSERT_H
 
 #include "frame/ARXRaise.h"
 
-// The text is made right here: one more macro in between would unfold NULL and KRY_SUCCEEDED in it.
+// The text is made here: another macro in between would expand NULL and KRY_SUCCEEDED in it.
 #define NEB_ASSERT(condition)                                         \
     do                                                                \
     {                                                                 \

@@ -6,7 +6,7 @@
 
 void freeDetails(char*& details)
 {
-    // Cleared first, so that nobody frees it again should the interface raise.
+    // Cleared first, so that it is not freed again if the interface raises.
     if (char* const memory = std::exchange(details, nullptr))
         KRY_CryptoFree(memory, nullptr);
 }

@@ -1,17 +1,16 @@
-// Details texts of the crypto interface: why a call failed. The interface allocates them, whoever asked for
-// them gives them back.
+// Details of the crypto interface: texts that say why a call failed. The interface allocates them, the caller
+// frees them.
 
 #ifndef ARXIUM_FRAME_ARXDETAILS_H
 #define ARXIUM_FRAME_ARXDETAILS_H
 
 #include <cstdint>
 
-// Gives details back to the interface, if there are any, and clears the pointer.
+// Frees details, which may be null, and clears the pointer.
 void freeDetails(char*& details);
 
-// Calls a function of the interface whose last argument receives details, which start null; gives its status.
-// The details are the caller's then. A C++ exception out of the function passes on, and nothing is left to
-// free.
+// Calls a function of the interface whose last argument receives details, and returns its status. The caller
+// then frees the details. If the function raises a C++ exception, they are freed before it passes on.
 template <class... Parameters, class... Arguments>
 std::int32_t callForDetails(char*& details, std::int32_t (*function)(Parameters...), Arguments... arguments)
 {

@@ -1,7 +1,14 @@
 // The library's own exception. It can be caught as ARXException, NEBException, NEBThrowable or NEBMessageSet.
 //
-// The library raises it with severity 1 and code 0: the text of the failure is a message in it, and the name
-// of the operation that failed stands in its back trace. An object belongs to the thread that made it.
+// The library raises it with severity 1 and code 0. The text of the failure is a message in it, the name of
+// the failed operation an entry of its back trace. Copies share their messages. An object belongs to the
+// thread that made it.
+//
+// Example:
+//     #include "NEBCore/NEBMessageString.h"
+//     ARXException error(1, 0);
+//     error << NEBMessageString("The disk is full.");
+//     error.hurl(NEB_HERE, "Host::store", "NEB_THROW");
 
 #ifndef ARXIUM_FRAME_ARXEXCEPTION_H
 #define ARXIUM_FRAME_ARXEXCEPTION_H
@@ -20,19 +27,19 @@ public:
     // UTF-8; becomes a message.
     explicit ARXException(char const* text);
     ARXException(NEBSeverity severity, char const* text);
-    // Takes over source's back trace and messages, which source loses though it is passed as constant, and
-    // adds message, which may be null, behind them.
+    // Takes the back trace and the messages out of source, though it is passed as constant, and then adds
+    // message, which may be null.
     ARXException(NEBException const& source, NEBMessageBase const* message);
     ~ARXException() override;
 
     ARXException& operator=(ARXException const& other);
 
-    // Owned by the caller. Raises NEBOutOfMemoryError without memory.
+    // Returns an object that the caller owns. Lack of memory raises NEBOutOfMemoryError.
     NEBThrowable* clone() const override;
     [[noreturn]] void hurl(NEBFileLocation const& where, char const* text, char const* macro) override;
     char const* getThrowableName() const override;
 
-    // Adds a clone of message; chains without losing the type.
+    // Adds a clone of message. Returns this object, so that calls chain.
     ARXException& operator<<(NEBMessageBase const& message);
 };
 

@@ -5,10 +5,9 @@
 
 #include "frame/ARXRaise.h"
 
-// Evaluates an expression that gives a new object, a new expression or a factory call, and assigns it to
-// target. A null result and std::bad_alloc leave as NEBOutOfMemoryError, another std::exception as
-// NEBStdExceptionError; a NEBThrowable gains an entry in its back trace. target is unchanged if the
-// expression throws.
+// Assigns the result of a new expression or a factory call to target. A null result and std::bad_alloc become
+// NEBOutOfMemoryError, another std::exception becomes NEBStdExceptionError; a NEBThrowable gets an entry in
+// its back trace. target is unchanged if the expression throws.
 #define NEB_NEW(target, ...)             \
     do                                   \
     {                                    \

@@ -24,7 +24,7 @@ void addText(ARXException& error, char const* text)
     }
     catch (...)
     {
-        return;  // lack of memory may cost the message, never the error, and details must still be freed
+        return;  // lack of memory loses the message, not the error; the details must still be freed
     }
 }
 }  // namespace

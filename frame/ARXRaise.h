@@ -14,14 +14,14 @@
 [[noreturn]] void raiseWithText(NEBFileLocation const& where, std::initializer_list<char const*> texts,
                                 char const* operation);
 
-// The same for a failed call of the crypto interface: details becomes the message, where it is not null, and
-// is freed and cleared before the exception leaves.
+// The same for a failed call of the crypto interface. details becomes the message, unless it is null, and is
+// freed and cleared before the exception leaves.
 [[noreturn]] void raiseWithDetails(NEBFileLocation const& where, char*& details, char const* operation);
 
 // Raises NEBOutOfMemoryError.
 [[noreturn]] void outOfMemory(NEBFileLocation const& where);
 
-// Inside a handler only: lets the exception in flight go on as NEB_NEW promises.
+// Rethrows the exception of the present handler as NEB_NEW describes.
 [[noreturn]] void rethrowAllocation(NEBFileLocation const& where);
 
 #endif

@@ -32,7 +32,7 @@ bool initCrypto()
     return exchangeWithCrypto(KRY_CryptoInitialize, s_initializeDocument);
 }
 
-// A failed stop is nobody's to act on, in whichever way it fails: the library goes down all the same.
+// No caller could act on a failed stop, so the library goes down in any case.
 void terminateCrypto()
 {
     try

@@ -1,8 +1,13 @@
 // Start and stop of the library.
 //
-// A host calls initialize before any work with crypto handles and terminate behind all of it: every handle is
-// destroyed before the last stop, and no handle work overlaps the first start or the last stop. Calls are
-// counted, at most 32767 open starts, and may come from any thread; they run one at a time.
+// Call initialize before the first use of a crypto handle, and terminate after every handle is destroyed; no
+// handle may be used during the first start or the last stop. Calls are counted, up to 32767 open starts. Any
+// thread may call; the calls run one at a time.
+//
+// Example:
+//     Arxium::initialize();
+//     // ... crypto handles, signed URLs, secure streams ...
+//     Arxium::terminate();
 
 #ifndef ARXIUM_FRAME_ARXIUM_H
 #define ARXIUM_FRAME_ARXIUM_H
@@ -20,13 +25,13 @@ public:
     // A full start, as initialize(true).
     static void initialize();
 
-    // The first start installs the maker of crypto handles and, if full, brings up the text services and the
-    // crypto interface before it; later starts only count, whatever full says. A start that fails raises
-    // NEBThrowable and does not count; the services that it had brought up stay up.
+    // The first start brings up the text services and the crypto interface if full, and then installs the
+    // maker of crypto handles; later starts only count, whatever full says. A start that fails raises
+    // NEBThrowable and doesn't count; what it brought up stays up.
     static void initialize(bool full);
 
     // Undoes one start. The last stop closes all shared crypto sessions and brings down what the first start
-    // brought up. Without a start before it NEBAssertError is raised and nothing changes.
+    // brought up. Without a start raises NEBAssertError and changes nothing.
     static void terminate();
 
 private:

@@ -1,4 +1,4 @@
-// The configuration as its readers see it. Any number of threads may read at once.
+// The configuration as its readers see it. Any thread may call.
 
 #ifndef NEBCFGAPI_INEBCONFIGURATION_H
 #define NEBCFGAPI_INEBCONFIGURATION_H
@@ -9,7 +9,7 @@ class __attribute__((visibility("default"))) INEBConfiguration
 {
 public:
     virtual ~INEBConfiguration() = default;
-    // The setting's value; empty for an unknown key. The last argument is reserved.
+    // Returns the setting's value, empty for an unknown key. The last argument is reserved.
     virtual I18NString getConfigurationValue(I18NString const& key, void*) = 0;
 };
 

@@ -1,4 +1,8 @@
-// Where readers get the configuration from.
+// Where readers get the configuration from. Any thread may call.
+//
+// Example:
+//     I18NString const value = NEBConfigurationFactory::getInstance().getConfigurationValue("gatewayUrl",
+//     nullptr);
 
 #ifndef NEBCFGAPI_NEBCONFIGURATIONFACTORY_H
 #define NEBCFGAPI_NEBCONFIGURATIONFACTORY_H
@@ -8,7 +12,7 @@
 class __attribute__((visibility("default"))) NEBConfigurationFactory
 {
 public:
-    // The configuration of the process, alive until it ends. Here that is NEBConfigurationStore's.
+    // The configuration of the process, which lives until its end: NEBConfigurationStore.
     static INEBConfiguration& getInstance();
 };
 

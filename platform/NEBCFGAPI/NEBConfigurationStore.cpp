@@ -28,7 +28,7 @@ NEBConfigurationStore::NEBConfigurationStore() : m_lock(0) {}
 
 NEBConfigurationStore& NEBConfigurationStore::getStore()
 {
-    // Never destroyed, so that readers are served while the process ends.
+    // Never destroyed, since other threads may read while the process ends.
     static NEBConfigurationStore& s_store = *new NEBConfigurationStore;
     return s_store;
 }
@@ -78,7 +78,7 @@ void NEBConfigurationStore::load(std::string const& path)
     if (file.bad())
         refuse(path, ": can't be read");
 
-    // Neither step needs memory, so that the file's settings are taken all or not at all.
+    // Neither step needs memory, so that all settings of the file are taken or none.
     NEBThreadGuard const guard(m_lock);
     read.merge(m_settings);
     m_settings.swap(read);

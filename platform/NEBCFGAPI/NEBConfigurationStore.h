@@ -1,5 +1,9 @@
-// The configuration in memory, which a host fills by calls or from a file. Any thread may read and write at
-// any time.
+// The configuration in memory, which a host fills by calls or from a file. Any thread may call.
+//
+// Example:
+//     NEBConfigurationStore& store = NEBConfigurationStore::getStore();
+//     store.load("/etc/product/settings");
+//     store.setValue("fileEncryption", "on");
 
 #ifndef NEBCFGAPI_NEBCONFIGURATIONSTORE_H
 #define NEBCFGAPI_NEBCONFIGURATIONSTORE_H
@@ -20,10 +24,10 @@ public:
     void setValue(I18NString const& key, I18NString const& value);
     void clear();
 
-    // Adds the settings of a file of lines "key=value", UTF-8. Blanks around key and value do not count;
-    // empty lines and lines that begin with # are skipped. A file that can't be read, or a line without "="
-    // or key, or a key set twice, raises NEBException that names the file and the line; no setting of a
-    // refused file is taken.
+    // Adds the settings of a UTF-8 file with a line "key=value" for each. Blanks around key and value are
+    // dropped; empty lines and those that begin with # are skipped. A file that can't be read, a line without
+    // "=" or key, or a key that is set twice raises NEBException with file and line, and no setting of the
+    // file is taken.
     void load(std::string const& path);
 
 private:

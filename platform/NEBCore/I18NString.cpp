@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -28,34 +29,47 @@ bool isEscapedByte(char16_t unit)
     return unit >= s_escapeBase + 0x80 && unit <= s_escapeBase + 0xFF;
 }
 
-// The length of the well-formed sequence at text (Unicode, table 3-7), its code point in point; 0 for none.
+// The well-formed sequences of more than one byte: the Unicode Standard, table 3-7.
+struct SequenceRule
+{
+    unsigned m_firstLead;
+    unsigned m_lastLead;
+    std::size_t m_length;
+    unsigned m_leastSecond;
+    unsigned m_mostSecond;
+};
+SequenceRule constexpr s_rules[] = {
+    {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF}, {0xE1, 0xEC, 3, 0x80, 0xBF},
+    {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF}, {0xF0, 0xF0, 4, 0x90, 0xBF},
+    {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
+};
+
+// Returns the length of the sequence at text and writes its code point; returns 0 if it is not well-formed.
 std::size_t decodeSequence(unsigned char const* text, unsigned char const* end, char32_t& point)
 {
-    unsigned const lead = *text;
-    std::size_t const length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-    if (length == 0 || static_cast<std::size_t>(end - text) < length)
+    SequenceRule const* const rule =
+        std::find_if(std::begin(s_rules), std::end(s_rules),
+                     [text](auto const& each) { return *text <= each.m_lastLead; });
+    if (rule == std::end(s_rules) || *text < rule->m_firstLead ||
+        static_cast<std::size_t>(end - text) < rule->m_length || text[1] < rule->m_leastSecond ||
+        text[1] > rule->m_mostSecond)
         return 0;
 
-    unsigned const least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    unsigned const most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (text[1] < least || text[1] > most)
-        return 0;
-
-    point = lead & (0xFFu >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i)
+    point = *text & (0xFFu >> (rule->m_length + 1));
+    for (std::size_t i = 1; i < rule->m_length; ++i)
     {
         if ((text[i] & 0xC0) != 0x80)
             return 0;
         point = point << 6 | (text[i] & 0x3Fu);
     }
-    return length;
+    return rule->m_length;
 }
 
 std::u16string decodeUtf8(char const* text, std::size_t size)
 {
     auto const* const begin = reinterpret_cast<unsigned char const*>(text);
     auto const* const end = begin + size;
-    // Most texts are nothing but ASCII, which is taken in one go in half the time.
+    // Most texts are ASCII, which is converted at once in half the time.
     auto const* byte = std::find_if(begin, end, [](unsigned char each) { return each >= 0x80; });
     std::u16string units(begin, byte);
     units.reserve(size);
@@ -82,15 +96,13 @@ std::u16string decodeUtf8(char const* text, std::size_t size)
 void appendUtf8(std::string& text, char32_t point)
 {
     auto const put = [&text](char32_t byte) { text += static_cast<char>(byte); };
-    auto const putTail = [&](int shift) { put(0x80 | (point >> shift & 0x3F)); };
     if (point < 0x80)
-        put(point);
-    else if (point < 0x800)
-        put(0xC0 | point >> 6), putTail(0);
-    else if (point < 0x10000)
-        put(0xE0 | point >> 12), putTail(6), putTail(0);
-    else
-        put(0xF0 | point >> 18), putTail(12), putTail(6), putTail(0);
+        return put(point);
+    char32_t constexpr leads[] = {0, 0xC0, 0xE0, 0xF0};
+    int const tails = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
+    put(leads[tails] | point >> 6 * tails);
+    for (int shift = 6 * (tails - 1); shift >= 0; shift -= 6)
+        put(0x80 | (point >> shift & 0x3F));
 }
 
 std::string encodeUtf8(std::u16string const& units)
@@ -191,7 +203,7 @@ char const* I18NString::c_str(void*, void*, void*, void*) const
     if (!known)
     {
         auto made = std::make_unique<std::string>(encodeUtf8(m_units));
-        // Of several readers the first one's text stays, since it may already be in somebody's hands.
+        // The text of the first of several readers stays, since it has been returned already.
         if (m_utf8.compare_exchange_strong(known, made.get()))
             known = made.release();
     }
@@ -279,7 +291,8 @@ void I18NString::remove()
 
 void I18NString::changed()
 {
-    // Whoever changes a string has it for itself: plain accesses do, and spare a locked one at every change.
+    // No other thread reads a string while it is changed, so that relaxed access, which needs no bus lock,
+    // suffices.
     delete m_utf8.load(std::memory_order_relaxed);
     m_utf8.store(nullptr, std::memory_order_relaxed);
 }

@@ -1,11 +1,11 @@
-// The single-owner pointer of the product, under the name that assertion texts spell.
+// The single-owner pointer of the product, under the name that assertion texts contain.
 
 #ifndef NEBCORE_NEBAUTOPOINTER_H
 #define NEBCORE_NEBAUTOPOINTER_H
 
 #include <memory>
 
-// std::auto_ptr is deprecated but still what this name means; only here is the warning silenced.
+// C++17 removed std::auto_ptr; libstdc++ keeps it as deprecated.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 template <class T>

@@ -1,6 +1,14 @@
 // A growing buffer of bytes. One object serves one thread at a time.
 //
-// Growth is geometric. A size that can't be had raises NEBOutOfMemoryError and leaves the buffer as it was.
+// Its room at least doubles when it grows. Lack of memory raises NEBOutOfMemoryError and leaves the buffer as
+// it was.
+//
+// Example:
+//     #include <string>
+//     NEBByteBuffer url(256, 256);
+//     url << "https://example.com/" << 'x';
+//     url.appendChars("?a=1", 4);
+//     std::string const text(url.str(), url.pcount());
 
 #ifndef NEBCORE_NEBBYTEBUFFER_H
 #define NEBCORE_NEBBYTEBUFFER_H
@@ -12,15 +20,14 @@
 class NEBCORE_API NEBByteBuffer
 {
 public:
-    // Both in bytes: the room of the first allocation, made when 256 bytes are not enough, and the least by
-    // which it grows.
+    // In bytes: the size of the first allocation, made when 256 bytes are not enough, and the least growth.
     NEBByteBuffer(std::size_t initialSize, std::size_t increment);
     ~NEBByteBuffer();
 
     NEBByteBuffer(NEBByteBuffer const&) = delete;
     NEBByteBuffer& operator=(NEBByteBuffer const&) = delete;
 
-    // Empties the buffer; its room stays.
+    // Empties the buffer and keeps its room.
     void reset() { m_count = 0; }
     // The bytes, not terminated, never null. Valid until the buffer grows.
     char* str() { return m_bytes; }
@@ -40,13 +47,14 @@ public:
     // Without its terminator.
     NEBByteBuffer& operator<<(char const* text);
 
-    // Makes room for size bytes in all. Those behind pcount() may be written before setLength.
+    // Makes room for size bytes in all. Those beyond pcount() may be written before setLength: std::string
+    // has no such room, which is why this class does without it.
     void reserve(std::size_t size)
     {
         if (size > m_capacity)
             grow(size);
     }
-    // Sets pcount(); a length beyond the room is reserved first, its new bytes being undefined.
+    // Sets pcount(), and reserves the room if necessary. New bytes are undefined.
     void setLength(std::size_t size)
     {
         reserve(size);

@@ -1,4 +1,4 @@
-// Marks what this library shows to others; everything else stays hidden.
+// Marks what this library exports; everything else stays hidden.
 
 #ifndef NEBCORE_NEBCOREEXPORT_H
 #define NEBCORE_NEBCOREEXPORT_H

@@ -1,5 +1,5 @@
-// Narrowing of sizes. A value that does not fit is never cut: NEBException with the value is raised, its
-// place being the caller's file and line.
+// Narrowing of sizes. A value that doesn't fit raises NEBException with the value, at the caller's file and
+// line.
 
 #ifndef NEBCORE_NEBDOWNCASTSIZE_H
 #define NEBCORE_NEBDOWNCASTSIZE_H

@@ -1,4 +1,8 @@
-// An error with a severity, a code and messages.
+// An error with a severity, a code and messages. It belongs to the thread that made it.
+//
+// Example:
+//     NEBException error("The file /data/a can't be opened.");
+//     error.hurl(NEB_HERE, "Loader::load", "NEB_THROW");
 
 #ifndef NEBCORE_NEBEXCEPTION_H
 #define NEBCORE_NEBEXCEPTION_H
@@ -11,7 +15,7 @@
 class NEBCORE_API NEBException : public NEBThrowable, public NEBMessageSet
 {
 public:
-    // Severity 1 and code 0 where the form doesn't say them. text (UTF-8, null for none) becomes a message.
+    // Severity is 1 and code 0 unless given. text (UTF-8, null for none) becomes a message.
     explicit NEBException(std::int32_t code);
     NEBException(NEBSeverity severity, std::int32_t code);
     explicit NEBException(char const* text);

@@ -32,7 +32,7 @@ bool hasType(std::string const& name, unsigned type)
     return stat(name.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == (type & S_IFMT);
 }
 
-// Goes up only while the system misses a folder, so that the longest name it takes bounds the depth.
+// Goes up only while the system reports a missing folder, so that its longest path bounds the depth.
 bool makeDir(std::string const& name)
 {
     if (mkdir(name.c_str(), 0777) == 0)
@@ -47,7 +47,7 @@ bool makeDir(std::string const& name)
     return hasType(name, S_IFDIR);
 }
 
-// Asks for the type of an entry; 0 where it, or what it leads to, is gone or out of reach. False on failure.
+// Finds the type of an entry: 0 if it, or the target of a link, is gone or can't be reached.
 bool readType(int directory, char const* name, int flags, mode_t& type)
 {
     struct stat status;
@@ -56,7 +56,7 @@ bool readType(int directory, char const* name, int flags, mode_t& type)
     return isKnown || errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == EACCES;
 }
 
-// The type of what may be listed: a link to a regular file counts as one, any other link as nothing.
+// Finds the type to list: a link to a regular file counts as that, any other link as 0.
 bool readEntryType(int directory, dirent const& entry, mode_t& type)
 {
     type = static_cast<mode_t>(DTTOIF(entry.d_type));
@@ -105,7 +105,7 @@ void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::s
 {
     auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
     auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
-    // The separator goes with neither part, but for that of the root.
+    // The separator belongs to neither part, except that of the root.
     std::string tail = file ? path.substr(tailStart) : std::string();
     if (directory)
         *directory = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);

@@ -1,6 +1,13 @@
-// A message of a message file, looked up by number in the catalogue of that name (NEBMessageCatalogue).
+// A message of a message file, found by its number.
 //
-// A number or file that no catalogue knows gives the text "FILE:NUMBER", so that the message isn't lost.
+// A file or number that is unknown has the text "FILE:NUMBER", so that the message isn't lost. Texts are
+// UTF-8. One object serves one thread at a time.
+//
+// Example:
+//     #include "frame/ARXMessage.h"
+//     ARXMessage message(2u);
+//     I18NString text;
+//     message.format("a.zip", nullptr, text);  // "The archive a.zip can't be read."
 
 #ifndef NEBCORE_NEBMESSAGE_H
 #define NEBCORE_NEBMESSAGE_H

@@ -1,4 +1,4 @@
-// A message that an exception can carry.
+// A message that an exception can carry. One object serves one thread at a time.
 
 #ifndef NEBCORE_NEBMESSAGEBASE_H
 #define NEBCORE_NEBMESSAGEBASE_H

@@ -1,4 +1,4 @@
-// The parts by which a catalogue message is found: here, its number.
+// What finds a message in its file: its number.
 
 #ifndef NEBCORE_NEBMESSAGECOMPONENTS_H
 #define NEBCORE_NEBMESSAGECOMPONENTS_H

@@ -1,4 +1,9 @@
-// A message that is its own text, for failures whose text no catalogue can hold.
+// A message that is its own text, for failures whose text is in no message file.
+//
+// Example:
+//     #include "frame/ARXException.h"
+//     ARXException error(1, 0);
+//     error << NEBMessageString("The disk is full.");
 
 #ifndef NEBCORE_NEBMESSAGESTRING_H
 #define NEBCORE_NEBMESSAGESTRING_H
@@ -13,7 +18,7 @@ public:
 
     NEBMessageString* clone() const override;
     char const* getClassName() const override;
-    // The text as it is: it has no places for arguments.
+    // Appends the text as it is, without places for arguments.
     void format(char const* first, char const* second, I18NString& result) override;
     void toString(char const* first, char const* second, I18NString& result, int indent) override;
 

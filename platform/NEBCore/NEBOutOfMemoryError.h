@@ -1,4 +1,4 @@
-// Memory that could not be had.
+// Lack of memory.
 
 #ifndef NEBCORE_NEBOUTOFMEMORYERROR_H
 #define NEBCORE_NEBOUTOFMEMORYERROR_H

@@ -1,4 +1,4 @@
-// A standard exception that passed a guarded place; its message is what() of the exception.
+// Another standard exception that left a guarded allocation. Its message is that exception's what().
 
 #ifndef NEBCORE_NEBSTDEXCEPTIONERROR_H
 #define NEBCORE_NEBSTDEXCEPTIONERROR_H

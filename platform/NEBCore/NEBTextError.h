@@ -1,4 +1,4 @@
-// What the errors that are no NEBException have in common: a code and one text.
+// What errors that are not a NEBException have in common: a code and one text.
 
 #ifndef NEBCORE_NEBTEXTERROR_H
 #define NEBCORE_NEBTEXTERROR_H
@@ -12,7 +12,7 @@
 class NEBCORE_API NEBTextError : public NEBThrowable
 {
 public:
-    // The text, or "" where there is none or was no memory for it.
+    // The text, or "" if there is none or was no memory for it.
     char const* getMessage() const override;
     using NEBThrowable::getMessage;
     std::int32_t getCode() const { return m_code; }

@@ -4,7 +4,7 @@ namespace
 {
 // A few microseconds in all, about what it costs to be put to sleep and woken.
 int constexpr s_tries = 50;
-int constexpr s_pausesPerTry = 8;  // a try takes the lock's cache line away from its holder
+int constexpr s_pausesPerTry = 8;  // each try takes the lock's cache line from the thread that holds it
 
 #if defined(__x86_64__)
 void pauseProcessor()

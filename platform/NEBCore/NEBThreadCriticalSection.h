@@ -1,6 +1,12 @@
-// A lock between the threads of one process. A thread that holds it must not take it again.
+// A lock between the threads of one process. A thread that holds it must not lock it again.
 //
-// Made for short work: whoever finds it taken tries again for some microseconds before it sleeps.
+// It is made for short work: a thread that finds it locked tries again for some microseconds before it
+// sleeps.
+//
+// Example:
+//     NEBThreadCriticalSection section(0);
+//     section.lock();
+//     section.unlock();
 
 #ifndef NEBCORE_NEBTHREADCRITICALSECTION_H
 #define NEBCORE_NEBTHREADCRITICALSECTION_H
@@ -28,7 +34,7 @@ public:
 private:
     void waitAndLock();
 
-    // A cache line of its own: what lies beside the lock is read while others wait for it.
+    // A cache line of its own, since the members beside it are read while other threads wait.
     alignas(64) std::mutex m_mutex;
 };
 

@@ -1,4 +1,4 @@
-// Holds a lock for its own lifetime.
+// Holds a lock as long as it lives.
 
 #ifndef NEBCORE_NEBTHREADGUARD_H
 #define NEBCORE_NEBTHREADGUARD_H

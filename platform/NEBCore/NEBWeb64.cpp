@@ -52,10 +52,13 @@ bool NEBWeb64Decode(char const* text, std::size_t length, std::string& data)
         bits = bits << 6 | static_cast<std::uint32_t>(found - s_alphabet);
         count += 6;
         if (count >= 8)
-            decoded += static_cast<char>(bits >> (count -= 8));
+        {
+            count -= 8;
+            decoded += static_cast<char>(bits >> count);
+        }
     }
 
-    // Only one text stands for given bytes: the length must fit and the unused bits must be 0.
+    // Bytes have one text only: its length must fit and its unused bits must be 0.
     bool const valid =
         NEBWeb64EncodedSize(decoded.size(), 0) == length + 1 && (bits & ((1u << count) - 1)) == 0;
     data = valid ? decoded : std::string();

@@ -1,4 +1,4 @@
-// Where the DOM library sends a document's text. A writer serves one thread at a time.
+// Receives the text of a document from the DOM library. A writer serves one thread at a time.
 
 #ifndef NEBIDOM_DOMWRITER_H
 #define NEBIDOM_DOMWRITER_H
@@ -13,7 +13,7 @@ public:
     // size in bytes, never negative.
     virtual void write(char const* data, int size) = 0;
     virtual void endline() = 0;
-    // The encoding of the text that comes through write: "UTF-8" unless a writer says otherwise.
+    // The encoding of the text that write takes: "UTF-8" unless overridden.
     virtual char const* getOutputEncoding();
 };
 

@@ -21,7 +21,7 @@ OJDFileOutputStream::OJDFileOutputStream(char const* filename, int)
 {
     if (!filename)
         return;
-    m_buffer.reserve(s_bufferSize);  // so that no write lacks memory later
+    m_buffer.reserve(s_bufferSize);  // so that no later write lacks memory
     if (!m_file.open(filename, OsFile::s_write | OsFile::s_create | OsFile::s_truncate))
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::open");
 }

@@ -1,7 +1,12 @@
-// Writes a plain file, through a small buffer.
+// Writes a plain file through a buffer of 16 KiB.
 //
-// What the system refuses is raised as NEBException with the file's name and the system's reason. An object
-// serves one thread at a time.
+// Failures raise NEBException with the file's name and the system's reason. One object serves one thread at a
+// time.
+//
+// Example:
+//     OJDFileOutputStream file("/tmp/report.txt", 0);
+//     file.write("text", 4);
+//     file.close();  // raises if the text can't be written; the destructor would not
 
 #ifndef OJDSTREAMSDLL_OJDFILEOUTPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDFILEOUTPUTSTREAM_H
@@ -15,21 +20,22 @@
 class __attribute__((visibility("default"))) OJDFileOutputStream : public OJDOutputStream
 {
 public:
-    // Creates or truncates the file, with mode 0666 less the umask. A null name opens nothing. The second
-    // argument is reserved and 0. Lack of memory leaves as std::bad_alloc or NEBOutOfMemoryError.
+    // Creates or truncates the file, with mode 0666 less the umask. filename is the system's own name; null
+    // opens nothing. The second argument is reserved and 0. Lack of memory raises std::bad_alloc or
+    // NEBOutOfMemoryError.
     OJDFileOutputStream(char const* filename, int);
-    // Flushes and closes; what fails is lost here, so call close to learn of it.
+    // Flushes and closes without reporting failures: call close to learn of them.
     ~OJDFileOutputStream() override;
 
     OJDFileOutputStream(OJDFileOutputStream const&) = delete;
     OJDFileOutputStream& operator=(OJDFileOutputStream const&) = delete;
 
-    // After a failure an unknown first part of data has been taken. Raises also where no file is open.
+    // Raises if no file is open. After any other failure an unknown first part of data has been taken.
     void write(char const* data, std::size_t size) override;
-    // Gives all bytes to the system, which is not asked to bring them to the disk. After a failure the rest
-    // stays for the next attempt. Does nothing where no file is open.
+    // Passes all bytes to the system, which writes them to the disk in its own time. After a failure the rest
+    // stays for the next attempt. Does nothing if no file is open.
     void flush() override;
-    // The file is closed also where this raises; a second call does nothing.
+    // Flushes and closes; the file is closed even if this raises. A second call does nothing.
     void close() override;
 
 private:

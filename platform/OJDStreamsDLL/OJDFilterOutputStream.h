@@ -1,4 +1,5 @@
-// Base of streams that change bytes on their way to another stream, their target.
+// Base of streams that change bytes on their way to another stream, their target. A filter and its target
+// serve one thread at a time.
 
 #ifndef OJDSTREAMSDLL_OJDFILTEROUTPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDFILTEROUTPUTSTREAM_H
@@ -9,14 +10,14 @@ class __attribute__((visibility("default"))) OJDFilterOutputStream : public OJDO
 {
 public:
     OJDFilterOutputStream();
-    // target is borrowed and must outlive the filter, or be unwrapped before it ends.
+    // The filter doesn't own target, which must live until the filter is destroyed or unwrapped.
     explicit OJDFilterOutputStream(OJDOutputStream& target);
     ~OJDFilterOutputStream() override;
 
     OJDFilterOutputStream(OJDFilterOutputStream const&) = delete;
     OJDFilterOutputStream& operator=(OJDFilterOutputStream const&) = delete;
 
-    // Takes target in place of the one before, which is told nothing.
+    // Replaces the target, without any call on the former one.
     virtual void wrap(OJDOutputStream& target);
     virtual void unWrap();
 

@@ -4,7 +4,7 @@
 
 namespace
 {
-// readOnce is given what has been read so far, and what is missing.
+// readOnce takes the number of bytes that were read, and the number of those that are missing.
 template <class ReadOnce>
 std::size_t repeat(std::size_t n, ReadOnce const& readOnce)
 {
@@ -45,7 +45,7 @@ std::size_t OJDInputStream::readFully(NEBByteBuffer& buf, std::size_t n)
     return repeat(n, [&](std::size_t, std::size_t missing) { return read(buf, missing); });
 }
 
-// A stream that waits for nothing can neither time out nor be cancelled.
+// A stream that never waits can neither time out nor be cancelled.
 int OJDInputStream::canTimeout() const
 {
     return 0;

@@ -1,7 +1,7 @@
-// Base of all input streams. It holds no data and promises nothing about threads: that is each stream's own.
+// Base of all input streams. It holds no data; each stream says which threads may call.
 //
-// A count of s_end, the std::size_t value with every bit set, means that the stream gave nothing because it
-// had ended.
+// Operations that read return the number of bytes, or s_end, the std::size_t with every bit set, if the
+// stream has ended and there are none.
 
 #ifndef OJDSTREAMSDLL_OJDINPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDINPUTSTREAM_H
@@ -19,24 +19,22 @@ public:
     virtual ~OJDInputStream();
     // The next byte, 0 to 255, or s_end.
     virtual std::size_t read() = 0;
-    // Reads up to n bytes and answers how many, s_end if there were none. This one reads byte by byte until
-    // n are there.
+    // Reads up to n bytes. This base reads byte by byte until it has n.
     virtual std::size_t read(char* buf, std::size_t n);
     // The same, appended to buf.
     virtual std::size_t read(NEBByteBuffer& buf, std::size_t n) = 0;
-    // Repeats read until n bytes are there. A smaller count comes at the end alone, s_end if there were none.
+    // Repeats read until it has n bytes; fewer only at the end.
     virtual std::size_t readFully(char* buf, std::size_t n);
     virtual std::size_t readFully(NEBByteBuffer& buf, std::size_t n);
     virtual void close() {}
-    // Bytes that can be read without waiting; 0 where the stream can't tell.
+    // Returns the number of bytes that can be read without waiting, or 0 if it is unknown.
     virtual std::size_t available() { return 0; }
-    // Goes back to the stream's first byte. A stream that can't throws the plain text "not implemented",
-    // which is no NEBThrowable.
+    // Returns to the first byte. A stream that can't throws the text "not implemented" (a char const*), which
+    // is not a NEBThrowable.
     virtual void reset() { throw "not implemented"; }
 
-    // Waiting is bounded and interrupted only by streams that say so here: 0 means that the stream can't,
-    // that the request was refused, and that no time (milliseconds) and no flag is set. cancel then has no
-    // effect.
+    // Bounds and interrupts waiting, in streams that wait. Times are in milliseconds. This base returns 0
+    // everywhere: it can't, it refuses, nothing is set; cancel has no effect.
     virtual int canTimeout() const;
     virtual int setTimeout(int timeout);
     virtual int getTimeout() const;

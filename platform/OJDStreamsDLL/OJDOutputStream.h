@@ -1,4 +1,11 @@
-// Base of all output streams. A stream serves one thread at a time; operations raise NEBThrowable.
+// Base of all output streams. Failures raise a NEBThrowable. A stream serves one thread at a time.
+//
+// Example:
+//     #include "OJDStreamsDLL/OJDFileOutputStream.h"
+//     OJDFileOutputStream file("/tmp/report.txt", 0);
+//     OJDOutputStream& stream = file;
+//     stream.write("text", 4);
+//     stream.close();
 
 #ifndef OJDSTREAMSDLL_OJDOUTPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDOUTPUTSTREAM_H
@@ -10,9 +17,9 @@ class __attribute__((visibility("default"))) OJDOutputStream
 public:
     // The virtual operations keep this order: it is the order of their slots.
     virtual ~OJDOutputStream();
-    // Takes size bytes, all or by exception.
+    // Takes all size bytes, or raises.
     virtual void write(char const* data, std::size_t size) = 0;
-    // Passes on what is held back.
+    // Passes on what is buffered; does nothing unless overridden, like close.
     virtual void flush();
     virtual void close();
 };

@@ -3,9 +3,9 @@
 #ifndef OS_OSDIRECTORY_H
 #define OS_OSDIRECTORY_H
 
-// Writes the process's current directory, absolute and terminated, into the size bytes at buffer and gives
-// buffer back. Null, with the reason in errno, if it can't be read or doesn't fit (ERANGE), or if there is no
-// buffer; what buffer holds is then undefined.
+// Writes the absolute, terminated path of the current directory into the size bytes at buffer and returns
+// buffer. Returns null, with the reason in errno, if buffer is null, the path can't be read or doesn't fit
+// (ERANGE); the contents of buffer are then undefined.
 extern "C" __attribute__((visibility("default"))) char* _getcwd(char* buffer, int size);
 
 #endif

@@ -25,8 +25,8 @@ timespec toTimespec(FILETIME const& time)
 {
     std::int64_t const steps = static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
     timespec result{};
-    result.tv_sec = steps / s_stepsPerSecond - s_secondsFrom1601To1970;
-    result.tv_nsec = steps % s_stepsPerSecond * s_nanosecondsPerStep;
+    result.tv_sec = static_cast<std::time_t>(steps / s_stepsPerSecond - s_secondsFrom1601To1970);
+    result.tv_nsec = static_cast<long>(steps % s_stepsPerSecond * s_nanosecondsPerStep);
     return result;
 }
 
@@ -35,7 +35,7 @@ bool isEqual(FILETIME const& a, FILETIME const& b)
     return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
 }
 
-// A handle is the descriptor itself, so that none has to be allocated.
+// A handle is the descriptor itself, so that nothing has to be allocated.
 int descriptorOf(HANDLE file)
 {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
@@ -85,7 +85,7 @@ BOOL SetFileTime(HANDLE file, FILETIME const*, FILETIME const* lastAccess, FILET
     FILETIME current;
     if (GetFileTime(file, nullptr, &current, nullptr) == 0)
         return 0;
-    // A FILETIME is coarser than the file's own time, and writing it back would cut that.
+    // A FILETIME is coarser than the file's own time; writing it back would lose the rest.
     bool const keepsAccess = !lastAccess || isEqual(*lastAccess, current);
     timespec const times[] = {keepsAccess ? s_omitted : toTimespec(*lastAccess),
                               lastWrite ? toTimespec(*lastWrite) : s_omitted};
@@ -104,7 +104,7 @@ BOOL DosDateTimeToFileTime(WORD date, WORD time, FILETIME* result)
 
     std::tm normal = fields;
     timespec const moment = {::timegm(&normal), 0};
-    // timegm turns what doesn't exist into what it could mean, and so shows it.
+    // timegm changes the fields of a date that doesn't exist.
     bool const isPossible = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday &&
                             normal.tm_hour == fields.tm_hour && normal.tm_min == fields.tm_min &&
                             normal.tm_sec == fields.tm_sec;
@@ -119,7 +119,7 @@ BOOL LocalFileTimeToFileTime(FILETIME const* local, FILETIME* utc)
     std::tm fields{};
     if (!::gmtime_r(&moment.tv_sec, &fields))
         return 0;
-    fields.tm_isdst = -1;  // found from the date
+    fields.tm_isdst = -1;  // to be found from the date
     fields.tm_wday = -1;
     ::tzset();  // mktime alone need not look at a TZ that has changed
     moment.tv_sec = std::mktime(&fields);

@@ -1,8 +1,7 @@
-// File times under the names of the Windows interface, over POSIX. Any number of threads may call; a handle
-// serves one at a time.
+// File times under the names of the Windows interface. Any thread may call; a handle serves one at a time.
 //
-// A FILETIME counts steps of 100 ns since 1601-01-01; in UTC where the name of an operation doesn't say local
-// time. Operations answer 1, or 0 on failure.
+// A FILETIME counts steps of 100 ns since 1601-01-01, in UTC unless the name of an operation says local time.
+// Operations return 1, or 0 on failure.
 
 #ifndef OS_OSFILETIME_H
 #define OS_OSFILETIME_H
@@ -29,25 +28,25 @@ DWORD constexpr OPEN_EXISTING = 3;
 
 extern "C"
 {
-    // Opens an existing file; INVALID_HANDLE_VALUE on failure, and for anything but OPEN_EXISTING without
-    // attributes. "\" separates like "/". Nothing keeps other processes out: the system has no such lock,
-    // whatever share says.
+    // Opens an existing file, which other processes may open too, whatever share says. Both / and \ separate.
+    // Returns INVALID_HANDLE_VALUE on failure, and unless disposition is OPEN_EXISTING and flags is 0.
     OS_FILETIME_API HANDLE CreateFileA(char const* path, DWORD access, DWORD share, void* security,
                                        DWORD disposition, DWORD flags, HANDLE templateFile);
     OS_FILETIME_API BOOL CloseHandle(HANDLE file);
 
-    // Each out may be null. The last change of the file's status stands in for its creation.
+    // Each of the three times may be null. The creation time is that of the last change of the file's status.
     OS_FILETIME_API BOOL GetFileTime(HANDLE file, FILETIME* creation, FILETIME* lastAccess,
                                      FILETIME* lastWrite);
-    // Each time may be null, and then stays. So does the creation time, which can't be set here. A last
-    // access equal to the file's own, as GetFileTime gives it, stays to the nanosecond.
+    // A time that is null stays, and so does the creation time, which the system can't set. A last access
+    // that equals what GetFileTime returns stays to the nanosecond.
     OS_FILETIME_API BOOL SetFileTime(HANDLE file, FILETIME const* creation, FILETIME const* lastAccess,
                                      FILETIME const* lastWrite);
 
-    // Takes a date and a time as FAT and zip store them. An impossible one, such as 30 February, fails.
+    // Converts a date and a time as FAT and zip store them (APPNOTE, 4.4.6). An impossible date, such as 30
+    // February, fails.
     OS_FILETIME_API BOOL DosDateTimeToFileTime(WORD date, WORD time, FILETIME* result);
-    // From local time to UTC, with the daylight saving of that date; an hour that a clock change skips counts
-    // as the one behind it.
+    // Converts with the daylight saving time of that date; an hour that a clock change skips counts as the
+    // next.
     OS_FILETIME_API BOOL LocalFileTimeToFileTime(FILETIME const* local, FILETIME* utc);
 }
 
