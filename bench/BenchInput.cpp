@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -75,33 +74,6 @@ std::string makeLines(Random& random, std::size_t size, bool mixed)
     return text;
 }
 
-std::string makeLog(std::size_t size)
-{
-    Random random(7);
-    std::string log;
-    for (unsigned second = 0; log.size() < size; ++second)
-        log += "2007-03-05 " + std::to_string(10 + second / 3600 % 14) + ":" +
-               std::to_string(second / 60 % 60) + ":" + std::to_string(second % 60) + " INFO worker-" +
-               std::to_string(below(random, 8)) + " request " + std::to_string(below(random, 1000000)) + " " +
-               pickWord(random) + " took " + std::to_string(below(random, 90000)) + " us\n";
-    log.resize(size);
-    return log;
-}
-
-std::string makeRecords(std::size_t size)
-{
-    Random random(8);
-    std::string records;
-    for (std::uint32_t number = 0; records.size() < size; ++number)
-    {
-        std::uint32_t const record[4] = {number, static_cast<std::uint32_t>(random()),
-                                         static_cast<std::uint32_t>(below(random, 100)), 0};
-        records.append(reinterpret_cast<char const*>(record), sizeof record);
-    }
-    records.resize(size);
-    return records;
-}
-
 struct Scratch
 {
     Scratch()
@@ -119,12 +91,6 @@ struct Scratch
     std::string m_path;
 };
 
-std::uint32_t littleEndian(std::string const& bytes, std::size_t offset, std::size_t size)
-{
-    std::uint32_t value = 0;
-    std::memcpy(&value, bytes.data() + offset, size);
-    return value;
-}
 }  // namespace
 
 std::string makeText(int kind, std::size_t size, unsigned seed)
@@ -207,50 +173,33 @@ void makeTree(std::string const& folder, bool smallOnly)
         writeFile((directory / ("file" + std::to_string(number) + ".txt")).string(),
                   makeText(mixedText, 512 + below(random, 7680), number + 10));
     }
-    if (smallOnly)
-        return;
-    std::size_t constexpr bigSize = 20000000;
-    writeFile(folder + "/big_text.txt", makeText(mixedText, bigSize, 77));
-    writeFile(folder + "/big_log.txt", makeLog(bigSize));
-    writeFile(folder + "/big_records.bin", makeRecords(bigSize));
+    for (int const kind : {asciiText, mixedText, binaryText})
+        if (!smallOnly)
+            writeFile(folder + "/big" + std::to_string(kind), makeText(kind, 20000000));
+}
+
+std::string entryName(std::size_t number)
+{
+    return "dir" + std::to_string(number / 50) + "/file" + std::to_string(number) + ".txt";
+}
+
+void writeArchive(std::string const& path, std::size_t count, std::size_t entrySize)
+{
+    ARXZipFile archive;
+    archive.create(path.c_str());
+    std::string text = makeText(mixedText, entrySize);
+    for (std::size_t number = 0; number < count; ++number)
+    {
+        archive.openNewFileInZip(entryName(number).c_str(), nullptr, nullptr, ARXZipFile::compressDeflated,
+                                 6);
+        archive.writeInFileInZip(reinterpret_cast<unsigned char*>(text.data()),
+                                 static_cast<unsigned>(text.size()));
+    }
 }
 
 std::string makeArchive(std::size_t count, std::size_t entrySize)
 {
     std::string const path = scratchFolder() + "/made.zip";
-    ARXZipFile archive;
-    archive.create(path.c_str());
-    for (std::size_t number = 0; number < count; ++number)
-    {
-        std::string name = "dir" + std::to_string(number / 50) + "/file" + std::to_string(number) + ".txt";
-        std::string text = makeText(mixedText, entrySize, static_cast<unsigned>(number));
-        archive.openNewFileInZip(name.c_str(), nullptr, nullptr, ARXZipFile::compressDeflated, 6);
-        archive.writeInFileInZip(reinterpret_cast<unsigned char*>(text.data()),
-                                 static_cast<unsigned>(text.size()));
-    }
-    archive.close();
-    std::string bytes = readFile(path);
-    std::filesystem::remove(path);
-    return bytes;
-}
-
-// APPNOTE.TXT, 4.3.7, 4.3.12 and 4.3.16; the archives are our own, without a comment.
-std::vector<ZipEntry> listEntries(std::string const& archive)
-{
-    std::size_t const end = archive.size() - 22;
-    std::vector<ZipEntry> entries(littleEndian(archive, end + 10, 2));
-    std::size_t at = littleEndian(archive, end + 16, 4);
-    for (ZipEntry& entry : entries)
-    {
-        std::size_t const nameSize = littleEndian(archive, at + 28, 2);
-        std::size_t const local = littleEndian(archive, at + 42, 4);
-        entry = {archive.substr(at + 46, nameSize),
-                 local + 30 + littleEndian(archive, local + 26, 2) + littleEndian(archive, local + 28, 2),
-                 littleEndian(archive, at + 20, 4),
-                 littleEndian(archive, at + 24, 4),
-                 littleEndian(archive, at + 16, 4),
-                 littleEndian(archive, at + 12, 4)};
-        at += 46 + nameSize + littleEndian(archive, at + 30, 2) + littleEndian(archive, at + 32, 2);
-    }
-    return entries;
+    writeArchive(path, count, entrySize);
+    return readFile(path);
 }

@@ -1,4 +1,4 @@
-// What the benchmarks work on: the same bytes in every run, made without files from outside.
+// What the benchmarks work on: the same bytes in every run.
 
 #ifndef ARXIUM_BENCH_BENCHINPUT_H
 #define ARXIUM_BENCH_BENCHINPUT_H
@@ -17,16 +17,16 @@ enum TextKind
 };
 
 std::string makeText(int kind, std::size_t size, unsigned seed = 1);
-// UTF-8 of the basic plane in, code units out.
+// From UTF-8 of the basic plane.
 std::u16string toUtf16(std::string const& text);
 
-// A folder of this process in memory (/dev/shm) where there is one, so that no disk is measured. It goes when
-// the process ends.
+// A folder of this process, in memory (/dev/shm) if the machine has it, so that no disk is measured. It is
+// removed when the process ends.
 std::string const& scratchFolder();
 std::string readFile(std::string const& path);
 void writeFile(std::string const& path, std::string const& bytes);
 
-// Keeps the library started, under a configuration and a key of this process' own.
+// Keeps the library started, with a configuration and a key of its own.
 class StartedLibrary
 {
 public:
@@ -37,20 +37,12 @@ public:
     StartedLibrary& operator=(StartedLibrary const&) = delete;
 };
 
-// 2000 text files of 0.5 to 8 KiB in 200 folders, and unless smallOnly three files of 20 MB beside them.
+// 2000 text files of 0.5 to 8 KiB in 200 folders, and three files of 20 MB unless smallOnly.
 void makeTree(std::string const& folder, bool smallOnly);
 
-// The bytes of an archive of count equal-sized entries of mixed text, and where their compressed bytes lie.
-struct ZipEntry
-{
-    std::string m_name;
-    std::size_t m_offset;
-    std::size_t m_packedSize;
-    std::size_t m_size;
-    std::uint32_t m_crc;
-    std::uint32_t m_dosDate;
-};
-std::string makeArchive(std::size_t count, std::size_t entrySize);
-std::vector<ZipEntry> listEntries(std::string const& archive);
+// Writes an archive of count entries with one mixed text each.
+void writeArchive(std::string const& path, std::size_t count, std::size_t entrySize);
+std::string makeArchive(std::size_t count, std::size_t entrySize);  // the same as bytes
+std::string entryName(std::size_t number);                          // from 0 on
 
 #endif

@@ -1,4 +1,4 @@
-// Benchmarks of whole programs: what a process of its own costs, where the state of the heap counts.
+// Benchmarks of whole programs, each run in a process of its own.
 
 #ifndef ARXIUM_BENCH_BENCHPROCESS_H
 #define ARXIUM_BENCH_BENCHPROCESS_H
@@ -12,8 +12,8 @@ namespace benchmark
 class State;
 }
 
-// The first word is a program, found in PATH unless it is a path; it must end with 0. Gives the processor
-// time that it prints, in seconds, or where it prints nothing all that it used.
+// The first word is a program, found in PATH unless it is a path; it must end with 0. Returns the
+// processor time in seconds: what it prints, or what it used if it prints nothing.
 double runProcess(std::vector<std::string> const& words);
 
 // Each iteration is a run of the program, between two calls of prepare. A program that is not installed is

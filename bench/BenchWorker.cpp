@@ -1,72 +1,38 @@
 // Does one piece of work and prints the processor time it took, in seconds.
 //
-//     arxium_bench_worker zip-ours|zip-raw|zip-poco|unzip-ours|unzip-raw|unzip-poco ARCHIVE FOLDER
-//     arxium_bench_worker growth-bytes|growth-entries         lists the works
-//     arxium_bench_worker growth-bytes|growth-entries WORK N  and prints the memory it took at most, in KiB
+//     arxium_bench_worker zip|unzip ARCHIVE FOLDER
+//     arxium_bench_worker growth          lists the works, each after "bytes" or "entries"
+//     arxium_bench_worker growth WORK N   prints the memory that it took at most as well, in KiB
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
-#include <functional>
-#include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <time.h>
 
 #include "bench/GrowthWork.h"
-#include "bench/RawZip.h"
 #include "zip/ARXUnzipFile.h"
 #include "zip/ARXZipFile.h"
 
-#ifdef ARXIUM_BENCH_POCO
-#include <Poco/Path.h>
-#include <Poco/Zip/Compress.h>
-#include <Poco/Zip/Decompress.h>
-#endif
-
 namespace
 {
-using Work = std::function<void(std::string const& archive, std::string const& folder)>;
-
-void zipOurs(std::string const& archive, std::string const& folder)
+void zip(std::string const& archive, std::string const& folder)
 {
-    ARXZipFile zip;
-    zip.create(archive.c_str());
-    zip.addDirectory(folder.c_str(), folder.c_str(), true, false);
-    zip.close();
+    ARXZipFile file;
+    file.create(archive.c_str());
+    file.addDirectory(folder.c_str(), folder.c_str(), true, false);
+    file.close();
 }
 
-void unzipOurs(std::string const& archive, std::string const& folder)
+void unzip(std::string const& archive, std::string const& folder)
 {
     if (!ARXUnzipFile::unzip(archive.c_str(), folder.c_str(), false))
         throw std::runtime_error("not unzipped");
 }
-
-#ifdef ARXIUM_BENCH_POCO
-void zipPoco(std::string const& archive, std::string const& folder)
-{
-    std::ofstream output(archive, std::ios::binary);
-    Poco::Zip::Compress zip(output, true);
-    zip.addRecursive(Poco::Path::forDirectory(folder), Poco::Zip::ZipCommon::CM_DEFLATE,
-                     Poco::Zip::ZipCommon::CL_NORMAL, true);
-    zip.close();
-}
-
-void unzipPoco(std::string const& archive, std::string const& folder)
-{
-    std::ifstream input(archive, std::ios::binary);
-    Poco::Zip::Decompress(input, Poco::Path::forDirectory(folder)).decompressAllFiles();
-}
-#endif
-
-std::map<std::string, Work> const s_works = {
-#ifdef ARXIUM_BENCH_POCO
-    {"zip-poco", zipPoco}, {"unzip-poco", unzipPoco},
-#endif
-    {"zip-ours", zipOurs}, {"zip-raw", packRaw},      {"unzip-ours", unzipOurs}, {"unzip-raw", unpackRaw},
-};
 
 double processorSeconds()
 {
@@ -85,9 +51,9 @@ long memoryKiB(std::string const& field)
     throw std::runtime_error("no " + field);
 }
 
-void showGrowth(std::map<std::string, GrowthWork> const& works, std::string const& name, std::size_t size)
+void showGrowth(std::string const& name, std::size_t size)
 {
-    auto const work = works.at(name)(size);
+    auto const work = growthWorks().at(name).m_prepare(size);
     std::ofstream("/proc/self/clear_refs") << 5;  // the peak starts at what is in use now
     long const before = memoryKiB("VmRSS");
     double const start = processorSeconds();
@@ -96,24 +62,21 @@ void showGrowth(std::map<std::string, GrowthWork> const& works, std::string cons
     std::printf("%.9f %ld\n", seconds, memoryKiB("VmHWM") - before);
 }
 
-void run(int argc, char** argv)
+void run(std::vector<std::string> const& words)
 {
-    std::string const what = argc > 1 ? argv[1] : "";
-    auto const work = s_works.find(what);
-    if (work != s_works.end() && argc == 4)
+    if (words.size() == 1 && words[0] == "growth")
+        for (auto const& [name, work] : growthWorks())
+            std::printf("%s %s\n", work.m_isByBytes ? "bytes" : "entries", name.c_str());
+    else if (words.size() == 3 && words[0] == "growth")
+        showGrowth(words[1], std::stoull(words[2]));
+    else if (words.size() == 3 && (words[0] == "zip" || words[0] == "unzip"))
     {
         double const start = processorSeconds();
-        work->second(argv[2], argv[3]);
+        (words[0] == "zip" ? zip : unzip)(words[1], words[2]);
         std::printf("%.9f\n", processorSeconds() - start);
-        return;
     }
-    if (what != "growth-bytes" && what != "growth-entries")
+    else
         throw std::runtime_error("what work?");
-    auto const& works = what == "growth-bytes" ? worksByBytes() : worksByEntries();
-    if (argc == 4)
-        return showGrowth(works, argv[2], std::stoull(argv[3]));
-    for (auto const& entry : works)
-        std::puts(entry.first.c_str());
 }
 }  // namespace
 
@@ -121,7 +84,7 @@ int main(int argc, char** argv)
 {
     try
     {
-        run(argc, argv);
+        run({argv + 1, argv + argc});
         return 0;
     }
     catch (std::exception const& failure)

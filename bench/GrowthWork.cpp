@@ -5,15 +5,12 @@
 #include <memory>
 #include <stdexcept>
 
-#include "NEBCore/I18NString.h"
 #include "NEBCore/NEBByteBuffer.h"
-#include "NEBCore/NEBUtCrc32.h"
 #include "bench/BenchInput.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "path/ARXFmDir.h"
 #include "streams/ARXOJDQuotedPrintableOutputStream.h"
 #include "streams/ARXOJDSecureFileOutputStream.h"
-#include "text/ARNEBI18NBuffer.h"
 #include "url/ARXHelper.h"
 #include "zip/ARXUnzipFile.h"
 #include "zip/ARXZipFile.h"
@@ -68,37 +65,11 @@ std::string largeArchive(std::size_t size)
     return path;
 }
 
-void addEntries(std::string const& archivePath, std::size_t count)
-{
-    ARXZipFile archive;
-    archive.create(archivePath.c_str());
-    std::string text = makeText(mixedText, 100);
-    for (std::size_t number = 0; number < count; ++number)
-    {
-        std::string const name = "dir" + std::to_string(number / 100) + "/file" + std::to_string(number);
-        archive.openNewFileInZip(name.c_str(), nullptr, nullptr, ARXZipFile::compressDeflated, 6);
-        archive.writeInFileInZip(reinterpret_cast<unsigned char*>(text.data()),
-                                 static_cast<unsigned>(text.size()));
-    }
-}
-
 std::string archiveOfEntries(std::size_t count)
 {
     std::string path = scratchFolder() + "/made.zip";
-    addEntries(path, count);
+    writeArchive(path, count, 100);
     return path;
-}
-
-void readEntries(std::string const& path)
-{
-    ARXZipInputStream stream(path.c_str());
-    std::string piece(s_pieceSize, '\0');
-    for (bool isEntry = stream.getFirstEntry(); isEntry; isEntry = stream.getNextEntry())
-    {
-        require(stream.openCurrentEntry(), "an entry can't be opened");
-        while (stream.read(piece.data(), piece.size()) != SIZE_MAX)
-            continue;
-    }
 }
 
 class NullTarget : public OJDOutputStream
@@ -124,22 +95,6 @@ Work percentEncoding(std::size_t size)
     {
         NEBByteBuffer output(256, 256);
         ARXHelper::urlEncode(text->data(), 2 * text->size(), output, false);
-    };
-}
-
-Work checksum(std::size_t size)
-{
-    auto const bytes = std::make_shared<std::string>(size, 'x');
-    return [bytes] { require(NEBUtCrc32::crc32(0, bytes->data(), bytes->size()) != 0, "no checksum"); };
-}
-
-Work bufferWithChecksum(std::size_t size)
-{
-    auto const text = std::make_shared<std::u16string>(size / 2 - 1, u'X');
-    return [text]
-    {
-        ARNEBI18NBuffer const buffer(reinterpret_cast<unsigned short const*>(text->c_str()));
-        require(buffer.getCssCrc() != 0, "no checksum");
     };
 }
 
@@ -173,7 +128,7 @@ Work unzip(std::string const& archive)
 Work locateLast(std::size_t count)
 {
     auto const stream = std::make_shared<ARXZipInputStream>(archiveOfEntries(count).c_str());
-    std::string const last = "dir" + std::to_string((count - 1) / 100) + "/file" + std::to_string(count - 1);
+    std::string const last = entryName(count - 1);
     return [stream, last] { require(stream->locate(last.c_str()), "not found"); };
 }
 
@@ -194,7 +149,7 @@ Work openSessions(std::size_t count)
     };
 }
 
-// Every other element is taken away again by the "..", so that both ways are walked.
+// Every third element removes the one before it.
 Work normalizedPath(std::size_t count)
 {
     std::string path;
@@ -207,46 +162,21 @@ Work normalizedPath(std::size_t count)
     };
 }
 
-Work commandPath(std::size_t count)
-{
-    std::string path;
-    for (std::size_t number = 0; number < count; ++number)
-        path += number % 2 == 0 ? "/element" : "/an element";
-    return [path]
-    {
-        I18NString text(path.c_str());
-        ARXHelper::fixCommandPath(text);
-    };
-}
 }  // namespace
 
-std::map<std::string, GrowthWork> const& worksByBytes()
+std::map<std::string, GrowthWork> const& growthWorks()
 {
     static std::map<std::string, GrowthWork> const s_works = {
-        {"quoted-printable text", quotedPrintable},
-        {"percent encoding", percentEncoding},
-        {"checksum", checksum},
-        {"UTF-16 buffer and its folded checksum", bufferWithChecksum},
-        {"encrypted file", encryptedFile},
-        {"zip: a file added", addFile},
-        {"zip: a file extracted", [](std::size_t size) { return unzip(largeArchive(size)); }},
-        {"zip: an entry read as a stream",
-         [](std::size_t size) -> Work { return [path = largeArchive(size)] { readEntries(path); }; }}};
-    return s_works;
-}
-
-std::map<std::string, GrowthWork> const& worksByEntries()
-{
-    static std::map<std::string, GrowthWork> const s_works = {
+        {"quoted-printable text", {true, quotedPrintable}},
+        {"percent encoding", {true, percentEncoding}},
+        {"encrypted file", {true, encryptedFile}},
+        {"zip: a file added", {true, addFile}},
+        {"zip: a file extracted", {true, [](std::size_t size) { return unzip(largeArchive(size)); }}},
         {"zip: entries added",
-         [](std::size_t count) -> Work
-         { return [count] { addEntries(scratchFolder() + "/made.zip", count); }; }},
-        {"zip: entries extracted", [](std::size_t count) { return unzip(archiveOfEntries(count)); }},
-        {"zip: entries read as a stream",
-         [](std::size_t count) -> Work { return [path = archiveOfEntries(count)] { readEntries(path); }; }},
-        {"zip: the last entry located", locateLast},
-        {"sessions opened", openSessions},
-        {"path elements normalised", normalizedPath},
-        {"command path elements", commandPath}};
+         {false, [](std::size_t count) { return [count] { archiveOfEntries(count); }; }}},
+        {"zip: entries extracted", {false, [](std::size_t count) { return unzip(archiveOfEntries(count)); }}},
+        {"zip: the last entry located", {false, locateLast}},
+        {"sessions opened", {false, openSessions}},
+        {"path elements normalised", {false, normalizedPath}}};
     return s_works;
 }

@@ -1,4 +1,4 @@
-// Work of any size on each road, to show that neither time nor memory grows faster than its input.
+// Work of any size on each hot path, to show that neither time nor memory grows faster than its input.
 
 #ifndef ARXIUM_BENCH_GROWTHWORK_H
 #define ARXIUM_BENCH_GROWTHWORK_H
@@ -8,10 +8,13 @@
 #include <map>
 #include <string>
 
-// Prepares work of that size, in bytes or entries, and gives the work itself, which runs once.
-using GrowthWork = std::function<std::function<void()>(std::size_t size)>;
+struct GrowthWork
+{
+    bool m_isByBytes;  // or by entries
+    // Prepares work of that size and returns the work itself, which runs once.
+    std::function<std::function<void()>(std::size_t size)> m_prepare;
+};
 
-std::map<std::string, GrowthWork> const& worksByBytes();
-std::map<std::string, GrowthWork> const& worksByEntries();
+std::map<std::string, GrowthWork> const& growthWorks();
 
 #endif

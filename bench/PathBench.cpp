@@ -10,9 +10,6 @@
 #ifdef ARXIUM_BENCH_POCO
 #include <Poco/Path.h>
 #endif
-#ifdef ARXIUM_BENCH_BOOST
-#include <boost/filesystem/path.hpp>
-#endif
 
 namespace
 {
@@ -34,17 +31,11 @@ void normalise(benchmark::State& state, Normalise const& normalisePath)
         normalisePath(path, result);
         benchmark::DoNotOptimize(result.data());
     }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(path.size()));
 }
 
 void ours(std::string const& path, std::string& result)
 {
     ARXFmDir::getNormalizedPath(path, result);
-}
-
-void limitCopy(std::string const& path, std::string& result)
-{
-    result = path;
 }
 
 void standard(std::string const& path, std::string& result)
@@ -62,29 +53,12 @@ void poco(std::string const& path, std::string& result)
 }
 #endif
 
-#ifdef ARXIUM_BENCH_BOOST
-void boostPath(std::string const& path, std::string& result)
-{
-    result = boost::filesystem::path(path).lexically_normal().string();
-}
-#endif
-
 BENCHMARK_CAPTURE(normalise, ours, ours)->Name("NormalizedPath/ours")->ArgName("path")->DenseRange(0, 4);
-BENCHMARK_CAPTURE(normalise, copy, limitCopy)
-    ->Name("NormalizedPath/limit-copy")
-    ->ArgName("path")
-    ->DenseRange(0, 4);
 BENCHMARK_CAPTURE(normalise, std, standard)
     ->Name("NormalizedPath/peer-std")
     ->ArgName("path")
     ->DenseRange(0, 4);
 #ifdef ARXIUM_BENCH_POCO
 BENCHMARK_CAPTURE(normalise, poco, poco)->Name("NormalizedPath/peer-poco")->ArgName("path")->DenseRange(0, 4);
-#endif
-#ifdef ARXIUM_BENCH_BOOST
-BENCHMARK_CAPTURE(normalise, boost, boostPath)
-    ->Name("NormalizedPath/peer-boost")
-    ->ArgName("path")
-    ->DenseRange(0, 4);
 #endif
 }  // namespace

@@ -1,22 +1,15 @@
 // Quoted-printable text of a whole input in one write, to a target that drops it.
 
 #include <cstring>
-#include <iterator>
-#include <ostream>
-#include <streambuf>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchInput.h"
-#include "bench/BenchProcess.h"
 #include "streams/ARXOJDQuotedPrintableOutputStream.h"
 
 #ifdef ARXIUM_BENCH_GMIME
 #include <gmime/gmime.h>
-#endif
-#ifdef ARXIUM_BENCH_POCO
-#include <Poco/Net/QuotedPrintableEncoder.h>
 #endif
 
 namespace
@@ -38,11 +31,6 @@ std::string inputOf(benchmark::State const& state)
     return makeText(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
 }
 
-void countBytes(benchmark::State& state)
-{
-    state.SetBytesProcessed(state.iterations() * state.range(1));
-}
-
 void ours(benchmark::State& state)
 {
     std::string const input = inputOf(state);
@@ -50,7 +38,6 @@ void ours(benchmark::State& state)
     for (auto _ : state)
         ARXOJDQuotedPrintableOutputStream(target, false).write(input.data(), input.size());
     benchmark::DoNotOptimize(target.m_size);
-    countBytes(state);
 }
 
 // The least that lines of 76 columns can cost: each copied once and given to the target.
@@ -70,7 +57,6 @@ void limitLines(benchmark::State& state)
             std::memcpy(line + size, "\r\n", 2);
             stream->write(line, size + 2);
         }
-    countBytes(state);
 }
 
 #ifdef ARXIUM_BENCH_GMIME
@@ -85,50 +71,8 @@ void gmime(benchmark::State& state)
         g_mime_encoding_reset(&encoding);
         benchmark::DoNotOptimize(g_mime_encoding_flush(&encoding, input.data(), input.size(), output.data()));
     }
-    countBytes(state);
 }
 #endif
-
-#ifdef ARXIUM_BENCH_POCO
-// A stream needs a place for its bytes; this one takes the same over and over.
-class DroppingBuffer : public std::streambuf
-{
-    int_type overflow(int_type byte) override
-    {
-        setp(std::begin(m_bytes), std::end(m_bytes));
-        return sputc(traits_type::to_char_type(byte));
-    }
-
-    char m_bytes[4096];
-};
-
-void poco(benchmark::State& state)
-{
-    std::string const input = inputOf(state);
-    DroppingBuffer buffer;
-    std::ostream stream(&buffer);
-    for (auto _ : state)
-    {
-        Poco::Net::QuotedPrintableEncoder encoder(stream);
-        encoder.write(input.data(), static_cast<std::streamsize>(input.size()));
-        encoder.close();
-    }
-    countBytes(state);
-}
-#endif
-
-// Times itself: a run of the interpreter costs more than the work.
-void perl(benchmark::State& state)
-{
-    std::string const path = scratchFolder() + "/qp-input";
-    writeFile(path, inputOf(state));
-    std::string const script =
-        "use MIME::QuotedPrint; use Time::HiRes 'clock'; local $/; open F, '<:raw', shift; $t = <F>;"
-        "encode_qp($t) for 1..3; $start = clock; encode_qp($t) for 1..50; printf '%.9f', (clock() - $start) "
-        "/ 50";
-    runTimed(state, {"perl", "-e", script, path});
-    countBytes(state);
-}
 
 void smallAndLarge(benchmark::internal::Benchmark* benchmark)
 {
@@ -140,13 +84,4 @@ BENCHMARK(limitLines)->Name("QuotedPrintable/limit-lines")->Apply(smallAndLarge)
 #ifdef ARXIUM_BENCH_GMIME
 BENCHMARK(gmime)->Name("QuotedPrintable/peer-gmime")->Apply(smallAndLarge);
 #endif
-#ifdef ARXIUM_BENCH_POCO
-BENCHMARK(poco)->Name("QuotedPrintable/peer-poco")->Apply(smallAndLarge);
-#endif
-BENCHMARK(perl)
-    ->Name("QuotedPrintable/peer-perl")
-    ->ArgNames({"kind", "size"})
-    ->ArgsProduct({{asciiText, mixedText, binaryText}, {1 << 20}})
-    ->Iterations(1)
-    ->UseManualTime();
 }  // namespace

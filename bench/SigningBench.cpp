@@ -1,8 +1,6 @@
-// One signed URL, all of it, by one thread and by two. The rest times its two digests alone.
+// One signed URL, by one thread and by two, beside its two digests alone.
 
-#include <cstring>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -11,14 +9,7 @@
 #include <openssl/evp.h>
 #include <openssl/params.h>
 
-#include "NEBCore/NEBThreadCriticalSection.h"
 #include "url/ARXUriDispatchHelper.h"
-
-#ifdef ARXIUM_BENCH_POCO
-#include <Poco/Crypto/DigestEngine.h>
-#include <Poco/HMACEngine.h>
-#include <Poco/SHA2Engine.h>
-#endif
 
 namespace
 {
@@ -56,67 +47,23 @@ MacContext makeKeyedContext()
     return context;
 }
 
-struct NoLock
+// The two digests alone.
+void limitReinit(benchmark::State& state)
 {
-    void lock() {}
-    void unlock() {}
-};
-
-template <class Lock>
-void signBoth(benchmark::State& state, EVP_MAC_CTX* context, Lock& lock)
-{
+    MacContext const context = makeKeyedContext();
     std::string const texts[] = {fileName(), fileName() + s_sessionID};
     unsigned char digest[32];
     std::size_t size;
     for (auto _ : state)
         for (std::string const& text : texts)
         {
-            std::lock_guard<Lock> const guard(lock);
-            EVP_MAC_init(context, nullptr, 0, nullptr);
-            EVP_MAC_update(context, reinterpret_cast<unsigned char const*>(text.data()), text.size());
-            EVP_MAC_final(context, digest, &size, sizeof digest);
+            EVP_MAC_init(context.get(), nullptr, 0, nullptr);
+            EVP_MAC_update(context.get(), reinterpret_cast<unsigned char const*>(text.data()), text.size());
+            EVP_MAC_final(context.get(), digest, &size, sizeof digest);
             benchmark::DoNotOptimize(digest);
         }
     state.SetItemsProcessed(state.iterations());
 }
-
-void limitReinit(benchmark::State& state)
-{
-    NoLock none;
-    signBoth(state, makeKeyedContext().get(), none);
-}
-
-// All threads by one context, as they share one session.
-void limitShared(benchmark::State& state)
-{
-    static MacContext const s_context = makeKeyedContext();
-    static NEBThreadCriticalSection s_lock(0);
-    signBoth(state, s_context.get(), s_lock);
-}
-
-#ifdef ARXIUM_BENCH_POCO
-struct Sha256 : Poco::SHA2Engine
-{
-    enum
-    {
-        BLOCK_SIZE = 64,
-        DIGEST_SIZE = 32
-    };
-};
-
-void poco(benchmark::State& state)
-{
-    std::string const texts[] = {fileName(), fileName() + s_sessionID};
-    for (auto _ : state)
-        for (std::string const& text : texts)
-        {
-            Poco::HMACEngine<Sha256> engine("0123456789abcdef0123456789abcdef");
-            engine.update(text);
-            benchmark::DoNotOptimize(engine.digest().data());
-        }
-    state.SetItemsProcessed(state.iterations());
-}
-#endif
 
 void oneAndTwo(benchmark::internal::Benchmark* benchmark)
 {
@@ -127,8 +74,4 @@ BENCHMARK(ours)->Name("SignedUrl/ours");
 BENCHMARK(limitReinit)->Name("SignedUrl/limit-reinit");
 BENCHMARK(ours)->Name("SignedUrlThreads/ours")->Apply(oneAndTwo);
 BENCHMARK(limitReinit)->Name("SignedUrlThreads/limit-reinit")->Apply(oneAndTwo);
-BENCHMARK(limitShared)->Name("SignedUrlThreads/limit-shared-reinit")->Apply(oneAndTwo);
-#ifdef ARXIUM_BENCH_POCO
-BENCHMARK(poco)->Name("SignedUrl/peer-poco");
-#endif
 }  // namespace
