@@ -39,7 +39,14 @@ void moveBytes(unsigned char* target, void const* source, std::uint64_t size)
         std::memmove(target, source, size);
 }
 
-// Folded and summed piece by piece: one checksum call for each byte would cost half as much again.
+// Most bytes don't depend on the locale: none has letters below "A", and "a" to "z" stay.
+unsigned char toLower(unsigned char byte)
+{
+    bool const isKnown = byte < 'A' || (byte >= 'a' && byte <= 'z');
+    return isKnown ? byte : static_cast<unsigned char>(std::tolower(byte));
+}
+
+// Piece by piece, because a checksum call for each byte would take twice as long.
 std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
 {
     std::uint32_t crc = 0;
@@ -47,8 +54,7 @@ std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
     for (std::uint64_t done = 0; done < size; done += sizeof folded)
     {
         std::uint64_t const count = std::min<std::uint64_t>(size - done, sizeof folded);
-        std::transform(bytes + done, bytes + done + count, folded,
-                       [](unsigned char byte) { return static_cast<unsigned char>(std::tolower(byte)); });
+        std::transform(bytes + done, bytes + done + count, folded, toLower);
         crc = NEBUtCrc32::crc32(crc, folded, count);
     }
     return crc;
