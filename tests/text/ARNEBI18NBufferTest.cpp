@@ -142,6 +142,9 @@ TEST(ARNEBI18NBufferContent, IsEmptyWithoutATextOnly)
     expectHolds(u"", Buffer(toString(u"")));
     expectHolds(Text(1, u'\0'), Buffer(Unit{0}));
     Buffer buffer(units(u"abc"));
+    buffer = s_none;
+    expectEmpty(buffer);
+    buffer = units(u"abc");
     buffer.clear();
     expectEmpty(buffer);
 }
