@@ -58,8 +58,6 @@ TEST_F(ARXUriDispatchHelperTest, BeginsWithTheBasePathAskedFor)
     EXPECT_EQ(std::string("disp") + s_query, url);
     ARXUriDispatchHelper::genExternalDispatcherUrlForFile("file", url, "/id", false);
     EXPECT_EQ(s_query, url);
-    ARXUriDispatchHelper::genGatewayUrlForFile("file", url, "/id", false);
-    EXPECT_EQ(s_query, url);
 }
 
 TEST_F(ARXUriDispatchHelperTest, SignsANameWithAZeroByte)
