@@ -1,4 +1,4 @@
-// Work on several threads at once.
+// The same work on several threads at once.
 
 #ifndef ARXIUM_TESTS_SUPPORT_THREADS_H
 #define ARXIUM_TESTS_SUPPORT_THREADS_H
@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-// Runs work(number of the thread) on that many threads, which all begin together.
+// Runs work(number of the thread) on that many threads, which begin together.
 template <class Work>
 void onThreads(int count, Work const& work)
 {
