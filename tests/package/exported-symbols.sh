@@ -8,4 +8,4 @@ nm -DC --defined-only "$2" | cut -d ' ' -f 3- |
     grep -Ev '^(typeinfo name for |vtable for |(typeinfo for )?(std::|NEB(Message|Thread)))' |
     LC_ALL=C sort -u > "$found"
 [ "${3-}" != --write ] || cp "$found" "$1"
-diff -u "$1" "$found" || { echo "Wanted? Then renew the list: sh $0 $1 $2 --write" >&2; exit 1; }
+diff -u "$1" "$found" || { echo "Wanted? Then run scripts/record-interface" >&2; exit 1; }

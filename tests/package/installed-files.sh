@@ -8,4 +8,4 @@ trap 'rm -f "$found"' EXIT
     sed -E 's|^\./||; s|(Targets)-[a-z]+\.cmake|\1-TYPE.cmake|; s|\.so\.([0-9]+)\.[0-9.]+$|.so.\1.VERSION|' |
     LC_ALL=C sort > "$found"
 [ "${3-}" != --write ] || cp "$found" "$1"
-diff -u "$1" "$found" || { echo "Wanted? Then renew the list: sh $0 $1 $2 --write" >&2; exit 1; }
+diff -u "$1" "$found" || { echo "Wanted? Then run scripts/record-interface" >&2; exit 1; }

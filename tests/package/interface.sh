@@ -23,5 +23,5 @@ case $((status & 8)) in
     0) echo "Hosts may need a new build: a removed or changed part raises the first number of the version, an added one the second." >&2 ;;
     8) echo "Hosts must be built anew: the first number of the version must rise." >&2 ;;
 esac
-echo "Wanted? Then renew the record: sh $0 $1 $2 --write" >&2
+echo "Wanted? Then run scripts/record-interface" >&2
 exit 1
