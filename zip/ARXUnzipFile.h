@@ -1,10 +1,10 @@
 // Extracts a zip archive (APPNOTE.TXT; RFC 1951) into a folder.
 //
 // Example:
+//     #include <stdexcept>
 //     ARXUnzipFile archive("/tmp/backup.zip");
-//     int const entries = archive.getFileCount();  // 0 if it can't be opened
-//     bool const isWhole = archive.unzip(false, "/tmp/restored");
-//     bool const isClosed = entries > 0 && isWhole && archive.closeZip();
+//     if (!archive.unzip(false, "/tmp/restored"))  // false as well if it can't be opened
+//         throw std::runtime_error("not extracted");
 //
 // Paths and names are bytes without conversion, whatever UTF-8 flag an entry has. Permissions and links are
 // not restored. A failure returns false; only the file services and lack of memory raise exceptions. What was

@@ -24,6 +24,9 @@ zlib_filefunc_def_s& tableOver(ZipCharBuffer* buffer)
     return s_table;
 }
 
+#define NO_FILE "NEB_ASSERT_NAMED(m_fileHandle, \"Unable to open file\");"
+#define NO_ARCHIVE "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\");"
+
 struct FailureRow
 {
     char const* m_name;
@@ -34,30 +37,26 @@ struct FailureRow
 TEST(ARXZipInputStream, FailuresHaveTheirTextsThroughEachLevel)
 {
     FilePtr const empty(std::fopen("/dev/null", "rb"), std::fclose);
+    zlib_filefunc_def_s* const noTable = nullptr;
+    std::FILE* const noFile = nullptr;
+    char const* const noName = nullptr;
+    zlib_filefunc_def_s const& table = tableOver(nullptr);
     FailureRow const rows[] = {
-        {"NoFile", [] { Stream("/dev/null/x"); },
-         "NEB_ASSERT_NAMED(m_fileHandle, \"Unable to open file\"); x2"},
-        {"NoName", [] { Stream(static_cast<char const*>(nullptr)); },
-         "NEB_ASSERT_NAMED(m_fileHandle, \"Unable to open file\"); x2"},
-        {"EmptyName", [] { Stream("/dev/null"); },
-         "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x4"},
-        {"EmptyFile", [&] { Stream(empty.get()); },
-         "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x3"},
-        {"OneByte", [] { Stream("x", 1); }, "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x3"},
-        {"TableOfNoArchive", [] { Stream(&tableOver(&s_buffer)); },
-         "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x2"},
-        {"NullTable", [] { Stream(static_cast<zlib_filefunc_def_s*>(nullptr)); },
-         "NEB_ASSERT_NAMED(m_zipFile, \"Unable to open zip file.\"); x2"},
-        {"NullFile", [] { Stream(static_cast<std::FILE*>(nullptr)); }, "NEB_ASSERT(pFile); x3"},
-        {"NullMemory", [] { Stream(nullptr, 1); },
+        {"MissingFile", [] { Stream("/dev/null/x"); }, NO_FILE " x2"},
+        {"NullName", [&] { Stream{noName}; }, NO_FILE " x2"},
+        {"EmptyNamedFile", [] { Stream("/dev/null"); }, NO_ARCHIVE " x4"},
+        {"EmptyFile", [&] { Stream{empty.get()}; }, NO_ARCHIVE " x3"},
+        {"OneByte", [] { Stream("x", 1); }, NO_ARCHIVE " x3"},
+        {"NullTable", [&] { Stream{noTable}; }, NO_ARCHIVE " x2"},
+        {"TableOfNoArchive", [] { Stream(&tableOver(&s_buffer)); }, NO_ARCHIVE " x2"},
+        {"NullFile", [&] { Stream{noFile}; }, "NEB_ASSERT(pFile); x3"},
+        {"NullMemory", [&] { Stream(noName, 1); },
          "NEB_ASSERT_NAMED(pBuffer, \"Input stream may not be null\"); x2"},
         {"NoMemory", [] { Stream("x", 0); },
          "NEB_ASSERT_NAMED(size > 0, \"Input stream may not be empty.\"); x2"},
-        {"OpenNull", [] { tableOver(nullptr).zopen_file(nullptr, nullptr, 0); },
-         "NEB_ASSERT(pZipCharBuffer); x1"},
-        {"ReadToNull", [] { tableOver(nullptr).zread_file(nullptr, &s_buffer, nullptr, 1); },
-         "NEB_ASSERT(buf); x1"},
-        {"Write", [] { tableOver(nullptr).zwrite_file(nullptr, &s_buffer, "x", 1); },
+        {"OpenNull", [&] { table.zopen_file(nullptr, "", 0); }, "NEB_ASSERT(pZipCharBuffer); x1"},
+        {"ReadToNull", [&] { table.zread_file(nullptr, &s_buffer, nullptr, 1); }, "NEB_ASSERT(buf); x1"},
+        {"Write", [&] { table.zwrite_file(nullptr, &s_buffer, "x", 1); },
          "NEB_ASSERT_NAMED(false, \"Cannot write to const char* buffer\"); x1"}};
     for (FailureRow const& row : rows)
         EXPECT_EQ(row.m_text, failureOf(row.m_call)) << row.m_name;
