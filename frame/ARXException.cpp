@@ -2,7 +2,7 @@
 
 #include "frame/ARXNew.h"
 
-ARXException::ARXException(ARXException const& other) = default;
+ARXException::ARXException(ARXException const& other) noexcept = default;
 
 ARXException::ARXException(std::int32_t code) : NEBException(code) {}
 
@@ -22,7 +22,7 @@ ARXException::ARXException(NEBException const& source, NEBMessageBase const* mes
 
 ARXException::~ARXException() = default;
 
-ARXException& ARXException::operator=(ARXException const& other)
+ARXException& ARXException::operator=(ARXException const& other) noexcept
 {
     if (this != &other)
         NEBException::operator=(other);

@@ -21,7 +21,7 @@
 class ARXIUM_API ARXException : public NEBException
 {
 public:
-    ARXException(ARXException const& other);
+    ARXException(ARXException const& other) noexcept;
     explicit ARXException(std::int32_t code);
     ARXException(NEBSeverity severity, std::int32_t code);
     // UTF-8; becomes a message.
@@ -32,7 +32,7 @@ public:
     ARXException(NEBException const& source, NEBMessageBase const* message);
     ~ARXException() override;
 
-    ARXException& operator=(ARXException const& other);
+    ARXException& operator=(ARXException const& other) noexcept;
 
     // Returns an object that the caller owns. Lack of memory raises NEBOutOfMemoryError.
     NEBThrowable* clone() const override;

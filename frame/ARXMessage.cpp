@@ -1,5 +1,7 @@
 #include "frame/ARXMessage.h"
 
+#include <utility>
+
 #include "ARXResource/ARXI18NRes.h"
 
 ARXMessage::ARXMessage(std::uint32_t id) : NEBMessage(ARXI18NRes::getString(ARXI18NRes::s_messageFile), id) {}
@@ -13,6 +15,7 @@ ARXMessage::~ARXMessage() = default;
 
 void ARXMessage::getMessage(char const* formatArgument, std::uint32_t id, I18NString& result)
 {
+    I18NString const former(std::move(result));  // formatArgument may be a part of it
     result.remove();
     setMessage(id);
     format(formatArgument, formatArgument, result);

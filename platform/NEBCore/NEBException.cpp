@@ -1,6 +1,9 @@
 #include "NEBCore/NEBException.h"
 
+#include <utility>
+
 #include "NEBCore/I18NString.h"
+#include "NEBCore/NEBIndent.h"
 #include "NEBCore/NEBMessageString.h"
 
 namespace
@@ -67,16 +70,15 @@ char const* NEBException::getMessage() const
 
 void NEBException::toString(char const* first, char const* second, I18NString& result, int indent)
 {
-    result.remove();
-    result.append(u' ', indent);
-    result.append(I18NString(getThrowableName()));
+    I18NString text = indented(getThrowableName(), indent);
     for (NEBMessageBase* message : getMessages())
     {
         I18NString line;
         message->toString(first, second, line, indent + 2);
-        result.append(u'\n', 1);
-        result.append(line);
+        text.append(u'\n', 1);
+        text.append(line);
     }
+    result = std::move(text);
 }
 
 NEBException& NEBException::operator<<(NEBMessageBase const& message)

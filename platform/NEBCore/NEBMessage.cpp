@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "NEBCore/NEBIndent.h"
 #include "NEBCore/NEBMessageCatalogue.h"
 
 namespace
@@ -54,9 +55,9 @@ void NEBMessage::format(char const* first, char const* second, I18NString& resul
 
 void NEBMessage::toString(char const* first, char const* second, I18NString& result, int indent)
 {
-    result.remove();
-    result.append(u' ', indent);
-    format(first, second, result);
+    I18NString text;
+    format(first, second, text);
+    result = indented(text.c_str(), indent);
 }
 
 I18NString const& NEBMessage::getMsgFile() const

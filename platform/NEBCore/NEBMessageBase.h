@@ -9,8 +9,8 @@
 
 class I18NString;
 
-// An integer, not an enumeration: an enumeration would make NEBException(1, 0) choose another constructor.
-// 1 is an error; the higher the number, the graver.
+// 1 is an error; the higher the number, the more serious. Not an enumeration, for which NEBException(1, 0)
+// would choose another constructor.
 using NEBSeverity = std::int32_t;
 
 class NEBCORE_API NEBMessageBase
@@ -18,12 +18,12 @@ class NEBCORE_API NEBMessageBase
 public:
     // The virtual operations keep this order: it is the order of their slots.
     virtual ~NEBMessageBase();
-    // A new object of the same class, owned by the caller.
+    // Returns a new object of the same class, which the caller owns.
     virtual NEBMessageBase* clone() const = 0;
     virtual char const* getClassName() const = 0;
     // Appends the message's text to result. first and second (may be null) fill the places {0} and {1}.
     virtual void format(char const* first, char const* second, I18NString& result) = 0;
-    // As format, behind indent blanks, into a result that is replaced.
+    // Replaces result by the text, each line after indent blanks.
     virtual void toString(char const* first, char const* second, I18NString& result, int indent) = 0;
     virtual NEBSeverity getSeverity() const;
     virtual void setSeverity(NEBSeverity severity);

@@ -1,29 +1,37 @@
 #include "NEBCore/NEBMessageCatalogue.h"
 
-#include <cstring>
+#include <map>
 #include <mutex>
+#include <utility>
 
 namespace
 {
-std::mutex s_lock;
-NEBMessageCatalogue::Entry* s_newest = nullptr;
+struct Catalogues
+{
+    std::mutex m_lock;
+    std::map<std::string, std::vector<std::string>> m_texts;
+};
+
+// Never destroyed, so that messages have their texts while the process ends.
+Catalogues& catalogues()
+{
+    static Catalogues& s_catalogues = *new Catalogues;
+    return s_catalogues;
+}
 }  // namespace
 
-void NEBMessageCatalogue::install(Entry& entry)
+void NEBMessageCatalogue::install(std::string const& file, std::vector<std::string> texts)
 {
-    std::lock_guard<std::mutex> const guard(s_lock);
-    for (Entry const* known = s_newest; known; known = known->m_next)
-        if (known == &entry)
-            return;
-    entry.m_next = s_newest;
-    s_newest = &entry;
+    Catalogues& all = catalogues();
+    std::lock_guard<std::mutex> const guard(all.m_lock);
+    all.m_texts.emplace(file, std::move(texts));
 }
 
 char const* NEBMessageCatalogue::find(char const* file, std::uint32_t id)
 {
-    std::lock_guard<std::mutex> const guard(s_lock);
-    for (Entry const* entry = s_newest; entry; entry = entry->m_next)
-        if (std::strcmp(entry->m_file, file) == 0)
-            return entry->m_lookup(id);
-    return nullptr;
+    Catalogues& all = catalogues();
+    std::lock_guard<std::mutex> const guard(all.m_lock);
+    auto const found = all.m_texts.find(file);
+    bool const isKnown = found != all.m_texts.end() && id != 0 && id <= found->second.size();
+    return isKnown ? found->second[id - 1].c_str() : nullptr;
 }

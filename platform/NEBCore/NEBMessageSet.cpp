@@ -1,5 +1,7 @@
 #include "NEBCore/NEBMessageSet.h"
 
+#include <memory>
+
 NEBMessageSet::~NEBMessageSet() = default;
 
 void NEBMessageSet::addMessage(NEBMessageBase const& message)
@@ -14,8 +16,5 @@ void NEBMessageSet::transferMessages(NEBMessageSet const& source)
 
 std::vector<NEBMessageBase*> NEBMessageSet::getMessages() const
 {
-    std::vector<NEBMessageBase*> messages;
-    for (auto const* message : m_messages.entries())
-        messages.push_back(message->get());
-    return messages;
+    return m_messages.entries();
 }

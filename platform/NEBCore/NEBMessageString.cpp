@@ -1,5 +1,7 @@
 #include "NEBCore/NEBMessageString.h"
 
+#include "NEBCore/NEBIndent.h"
+
 NEBMessageString::NEBMessageString(I18NString const& text) : m_text(text) {}
 
 NEBMessageString* NEBMessageString::clone() const
@@ -19,7 +21,5 @@ void NEBMessageString::format(char const*, char const*, I18NString& result)
 
 void NEBMessageString::toString(char const*, char const*, I18NString& result, int indent)
 {
-    result.remove();
-    result.append(u' ', indent);
-    result.append(m_text);
+    result = indented(m_text.c_str(), indent);
 }

@@ -1,4 +1,4 @@
-// A list that only grows at its end and whose copies share their nodes.
+// A list that only grows at its end and whose copies share its values.
 //
 // Exceptions carry their back trace and messages in such lists: a throw copies the exception, and that copy
 // may neither need memory nor depend on the original, which dies as the stack unwinds. One list serves one
@@ -7,6 +7,7 @@
 #ifndef NEBCORE_NEBSHAREDLIST_H
 #define NEBCORE_NEBSHAREDLIST_H
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -15,67 +16,43 @@ template <class Value>
 class NEBSharedList
 {
 public:
-    // Strong guarantee: without memory (std::bad_alloc) the list stays as it was.
-    void push(Value value) { m_newest = std::make_shared<Node const>(std::move(value), m_newest); }
+    // Without memory raises std::bad_alloc and leaves the list as it was.
+    void push(std::shared_ptr<Value> value)
+    {
+        Values grown = values();
+        grown.push_back(std::move(value));
+        m_values = std::make_shared<Values const>(std::move(grown));
+    }
 
     // Oldest first; the pointers live as long as this list.
-    std::vector<Value const*> entries() const { return entriesBehind(nullptr); }
+    std::vector<Value*> entries() const
+    {
+        std::vector<Value*> result;
+        for (auto const& value : values())
+            result.push_back(value.get());
+        return result;
+    }
 
-    // Moves over what source holds, leaving it empty. Nodes that this list shares with source, being its
-    // copy, already stand here and are not taken twice.
+    // Moves what source holds to the end of this list. What both share, one being a copy of the other, stays
+    // once.
     void transferFrom(NEBSharedList& source)
     {
         if (&source == this)
             return;
-        Node const* shared = source.m_newest.get();
-        while (shared && !holds(shared))
-            shared = shared->m_older.get();
-
-        NEBSharedList result = *this;
-        for (Value const* value : source.entriesBehind(shared))
-            result.push(*value);
-        *this = std::move(result);
-        source.m_newest.reset();
+        Values merged = values();
+        for (auto const& value : source.values())
+            if (std::find(merged.begin(), merged.end(), value) == merged.end())
+                merged.push_back(value);
+        m_values = std::make_shared<Values const>(std::move(merged));
+        source.m_values.reset();
     }
 
 private:
-    struct Node
-    {
-        Node(Value&& value, std::shared_ptr<Node const> older)
-            : m_value(std::move(value)), m_older(std::move(older))
-        {
-        }
-        // Releases unshared older nodes one by one: each from within the next would use up the stack.
-        ~Node()
-        {
-            std::shared_ptr<Node const> next = std::move(m_older);
-            while (next && next.use_count() == 1)
-                next = std::shared_ptr<Node const>(next->m_older);
-        }
-        Node(Node const&) = delete;
-        Node& operator=(Node const&) = delete;
+    using Values = std::vector<std::shared_ptr<Value>>;
 
-        Value m_value;
-        std::shared_ptr<Node const> m_older;
-    };
+    Values values() const { return m_values ? *m_values : Values(); }
 
-    bool holds(Node const* wanted) const
-    {
-        Node const* node = m_newest.get();
-        while (node && node != wanted)
-            node = node->m_older.get();
-        return node != nullptr;
-    }
-
-    std::vector<Value const*> entriesBehind(Node const* end) const
-    {
-        std::vector<Value const*> newestFirst;
-        for (Node const* node = m_newest.get(); node != end; node = node->m_older.get())
-            newestFirst.push_back(&node->m_value);
-        return {newestFirst.rbegin(), newestFirst.rend()};
-    }
-
-    std::shared_ptr<Node const> m_newest;  // null when empty
+    std::shared_ptr<Values const> m_values;  // null when empty
 };
 
 #endif

@@ -1,9 +1,11 @@
 #include "NEBCore/NEBThrowable.h"
 
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "NEBCore/I18NString.h"
+#include "NEBCore/NEBIndent.h"
 
 NEBBackTraceEntry::NEBBackTraceEntry(NEBFileLocation const& where, char const* text, char const* macro)
     : m_where(where), m_hasText(text != nullptr), m_text(text ? text : ""), m_macro(macro)
@@ -45,20 +47,18 @@ void NEBThrowable::toString(char const*, char const*, I18NString& result, int in
     std::string const message = getMessage();
     if (!message.empty())
         text += ": " + message;
-    result.remove();
-    result.append(u' ', indent);
-    result.append(I18NString(text.c_str()));
+    result = indented(text, indent);
 }
 
 void NEBThrowable::addBackTrace(NEBFileLocation const& where, char const* text, char const* macro) noexcept
 {
     try
     {
-        m_backTrace.push(NEBBackTraceEntry(where, text, macro));
+        m_backTrace.push(std::make_shared<NEBBackTraceEntry const>(where, text, macro));
     }
     catch (std::bad_alloc const&)
     {
-        return;  // as the header says: the error itself must get through
+        return;
     }
 }
 
@@ -74,6 +74,5 @@ std::vector<NEBBackTraceEntry const*> NEBThrowable::getBackTrace() const
 
 char const* NEBThrowable::keepText(std::string text) const
 {
-    m_keptText = std::move(text);
-    return m_keptText.c_str();
+    return m_keptTexts.insert(std::move(text)).first->c_str();
 }

@@ -1,11 +1,23 @@
-// Base of everything that is raised: a back trace, and the virtual operations by which an error is thrown and
-// told.
+// Base of everything that is raised: a back trace, and the virtual operations that throw and describe an
+// error.
 //
-// An object belongs to the thread that made it. Copies never need memory, so a throw can't fail by its copy.
+// An object belongs to the thread that made it. Copies need no memory, so that a throw can't fail by its
+// copy.
+//
+// Example:
+//     #include "frame/Arxium.h"
+//     #include <string>
+//     std::string report;
+//     try { Arxium::terminate(); }
+//     catch (NEBThrowable const& error)
+//     {
+//         report = std::string(error.getThrowableName()) + ": " + error.getMessage();
+//     }
 
 #ifndef NEBCORE_NEBTHROWABLE_H
 #define NEBCORE_NEBTHROWABLE_H
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,7 +35,7 @@ public:
     NEBBackTraceEntry(NEBFileLocation const& where, char const* text, char const* macro);
 
     NEBFileLocation const& getLocation() const { return m_where; }
-    // Null where there is none.
+    // Null if there is none.
     char const* getText() const { return m_hasText ? m_text.c_str() : nullptr; }
     char const* getMacro() const { return m_macro; }
 
@@ -48,17 +60,17 @@ public:
     // Adds the place to the back trace and throws a copy of this object as its own class. Every class of the
     // family overrides it, since a throw uses the static type.
     [[noreturn]] virtual void hurl(NEBFileLocation const& where, char const* text, char const* macro) = 0;
-    // What went wrong, UTF-8, never null. Valid until the next call on this object.
+    // What went wrong, UTF-8, never null. Texts that an object returned are valid as long as the object.
     virtual char const* getMessage();
     virtual char const* getThrowableName() const = 0;
-    // The name, and the message where there is one.
+    // The name, and the message if there is one.
     virtual char const* toString();
     virtual char const* getMessage() const;
-    // The same as text. first and second (may be null) fill the places {0} and {1} of catalogue messages;
-    // every line starts with indent blanks.
+    // The same in result, which is replaced. first and second (may be null) fill the places {0} and {1} of
+    // catalogue messages; every line begins with indent blanks.
     virtual void toString(char const* first, char const* second, I18NString& result, int indent);
 
-    // Without memory the entry is left out: the error on its way is worth more than its trace.
+    // Without memory the entry is left out: the error is worth more than its trace.
     void addBackTrace(NEBFileLocation const& where, char const* text, char const* macro) noexcept;
     // Moves the back trace out of source, which ends without one.
     void transferBackTrace(NEBThrowable const& source);
@@ -66,12 +78,12 @@ public:
     std::vector<NEBBackTraceEntry const*> getBackTrace() const;
 
 protected:
-    // Keeps a text for the operations that return a pointer into this object.
+    // Keeps a text for operations that return a pointer into this object.
     char const* keepText(std::string text) const;
 
 private:
-    mutable NEBSharedList<NEBBackTraceEntry> m_backTrace;
-    mutable std::string m_keptText;  // not copied along: it is only what a caller looked at last
+    mutable NEBSharedList<NEBBackTraceEntry const> m_backTrace;
+    mutable std::set<std::string> m_keptTexts;  // not copied along
 };
 
 #endif

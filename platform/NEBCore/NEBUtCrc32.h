@@ -1,9 +1,10 @@
-// CRC-32 as zlib and RFC 1952 compute it. A result can seed the next call: the checksum of two pieces is that
-// of both together. No bytes give the seed back. Any number of threads may call at once.
+// CRC-32 as RFC 1952 defines it and zlib computes it. A result can seed the next call, so that pieces have
+// the checksum of the whole; without bytes the seed is the result. Any thread may call.
 
 #ifndef NEBCORE_NEBUTCRC32_H
 #define NEBCORE_NEBUTCRC32_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -30,13 +31,13 @@ private:
 
     static std::uint32_t crc32Byte(std::uint32_t seed, unsigned char byte)
     {
-        // ~(table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8), its complements kept off the road from byte to byte.
+        // ~(table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8), with the complements off the path from byte to byte.
         unsigned const inverted = ~static_cast<unsigned>(byte);
         return s_table[(seed ^ inverted) & 0xFF] ^ (seed >> 8 | 0xFF000000u);
     }
     static std::uint32_t crc32Long(std::uint32_t seed, void const* bytes, std::size_t size);
 
-    static std::uint32_t const s_table[256];
+    static std::array<std::uint32_t, 256> const s_table;
 };
 
 #endif

@@ -4,82 +4,34 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <cstddef>
+#include <cstring>
 
 namespace
 {
-using Word = unsigned long;  // what the kernel's sets are made of
-static_assert(sizeof(Word) == sizeof(DWORD_PTR), "the first word of a set is its mask");
-
-std::size_t constexpr s_mostWords = 8192 / 64;  // the most processors that a kernel can be built for
 std::int64_t constexpr s_ticksPerSecond = 1000000000;
 DWORD_PTR constexpr s_allOnes = ~DWORD_PTR{0};
 
-// Words that a set of this machine takes. The kernel refuses to fill less, so the first reading finds it out.
-std::atomic<std::size_t> s_knownWords{1};
+// What a mask of all ones stands for on this thread. It lies where the thread keeps its own data from the
+// start: elsewhere, the first use in a library that was loaded later would allocate.
+[[gnu::tls_model("initial-exec")]] thread_local cpu_set_t s_wideSet;
 
-struct ProcessorSet
+// The first bytes of a set are its mask.
+static_assert(sizeof(unsigned long) == sizeof(DWORD_PTR) || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
+
+DWORD_PTR toMask(cpu_set_t const& set)
 {
-    Word m_words[s_mostWords];
-    std::size_t m_count;  // words in use; 0 for no set at all
-};
-
-// What the calling thread was handed out and not yet brought back.
-struct ThreadState
-{
-    DWORD_PTR m_handedOut;  // undoes the last call; 0 when there is nothing to undo
-    DWORD_PTR m_given;      // what the last call set
-    ProcessorSet m_all;     // what all ones stood for when they were last handed out
-};
-
-thread_local ThreadState s_state;
-
-bool readSet(pid_t task, ProcessorSet& set)
-{
-    for (set.m_count = s_knownWords; set.m_count <= s_mostWords; set.m_count *= 2)
-    {
-        auto* const words = reinterpret_cast<cpu_set_t*>(set.m_words);
-        if (sched_getaffinity(task, set.m_count * sizeof(Word), words) == 0)
-        {
-            if (set.m_count != s_knownWords)
-                s_knownWords = set.m_count;
-            return true;
-        }
-        if (errno != EINVAL)
-            return false;
-    }
-    return false;
+    DWORD_PTR mask;
+    std::memcpy(&mask, &set, sizeof mask);
+    return CPU_COUNT(&set) == __builtin_popcountll(mask) ? mask : s_allOnes;
 }
 
-bool applyWords(Word const* words, std::size_t count)
+cpu_set_t toSet(DWORD_PTR mask)
 {
-    return sched_setaffinity(0, count * sizeof(Word), reinterpret_cast<cpu_set_t const*>(words)) == 0;
-}
-
-bool applyMask(DWORD_PTR mask)
-{
-    ProcessorSet const& all = s_state.m_all;
-    return mask == s_allOnes && all.m_count != 0 ? applyWords(all.m_words, all.m_count)
-                                                 : applyWords(&mask, 1);
-}
-
-DWORD_PTR toMask(ProcessorSet const& set)
-{
-    Word const* const end = set.m_words + set.m_count;
-    bool const isWide = std::any_of(set.m_words + 1, end, [](Word word) { return word != 0; });
-    return isWide ? s_allOnes : set.m_words[0];
-}
-
-// The mask that the last call handed out has come back.
-DWORD_PTR undo(ThreadState& state)
-{
-    if (state.m_given != state.m_handedOut && !applyMask(state.m_handedOut))
-        return 0;
-    state.m_handedOut = 0;
-    return state.m_given;
+    if (mask == s_allOnes && CPU_COUNT(&s_wideSet) != 0)
+        return s_wideSet;
+    cpu_set_t set{};
+    std::memcpy(&set, &mask, sizeof mask);
+    return set;
 }
 }  // namespace
 
@@ -95,32 +47,25 @@ HANDLE GetCurrentThread()
 
 BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR* systemMask)
 {
-    ProcessorSet set;
-    if (process != GetCurrentProcess() || !readSet(getpid(), set))
+    cpu_set_t set;
+    if (process != GetCurrentProcess() || sched_getaffinity(getpid(), sizeof set, &set) != 0)
         return 0;
-    *processMask = *systemMask = set.m_words[0];
+    std::memcpy(processMask, &set, sizeof *processMask);
+    *systemMask = *processMask;
     return 1;
 }
 
 DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
 {
-    if (mask == 0 || thread != GetCurrentThread())
+    cpu_set_t former;
+    if (mask == 0 || thread != GetCurrentThread() || sched_getaffinity(0, sizeof former, &former) != 0)
         return 0;
-    ThreadState& state = s_state;
-    if (mask == state.m_handedOut)
-        return undo(state);
-
-    ProcessorSet former;
-    if (!readSet(0, former))
+    cpu_set_t const wanted = toSet(mask);
+    if (!CPU_EQUAL(&wanted, &former) && sched_setaffinity(0, sizeof wanted, &wanted) != 0)
         return 0;
     DWORD_PTR const formerMask = toMask(former);
-    if (mask != formerMask && !applyMask(mask))
-        return 0;
-
     if (formerMask == s_allOnes)
-        state.m_all = former;
-    state.m_handedOut = formerMask;
-    state.m_given = mask;
+        s_wideSet = former;
     return formerMask;
 }
 

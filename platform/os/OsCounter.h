@@ -1,10 +1,8 @@
-// High-resolution counter and thread affinity under the names that the library calls on every platform, over
-// the monotonic clock and the scheduler's processor sets.
+// High-resolution counter and thread affinity under the names that the library calls on every platform.
 //
-// A mask names processor n by bit n, so it can't tell a set that reaches beyond processor 63. Such a set
-// of a thread is handed out as a mask of all ones, and the thread gets back exactly the set that it had
-// when that mask returns. Any thread may call; each changes only its own processors, and nothing here
-// allocates or throws.
+// A mask names processor n by bit n, so it can't express a set with processors above 63. A mask of all ones
+// stands for such a set: the one that the calling thread was last told of by that mask. Any thread may call;
+// each changes only its own processors. Nothing here allocates, takes a lock or raises.
 
 #ifndef OS_OSCOUNTER_H
 #define OS_OSCOUNTER_H
@@ -24,22 +22,23 @@ union LARGE_INTEGER
 
 extern "C"
 {
-    // Fixed values that stand for the caller's own process and thread; there is nothing to close.
+    // Fixed values for the caller's own process and thread; nothing has to be closed.
     OS_COUNTER_API HANDLE GetCurrentProcess();
     OS_COUNTER_API HANDLE GetCurrentThread();
 
-    // The processors below 64 on which the process' first thread may run; only GetCurrentProcess is known.
-    // systemMask gets the same: what the machine has beyond that isn't asked.
+    // Writes the processors below 64 on which the process's first thread may run, to both masks. Returns 0
+    // for any handle except GetCurrentProcess, and if the system refuses.
     OS_COUNTER_API BOOL GetProcessAffinityMask(HANDLE process, DWORD_PTR* processMask, DWORD_PTR* systemMask);
 
-    // Gives the calling thread the processors of mask and returns the mask that held before. 0, with the
-    // thread as it was, for a mask of 0, for any handle but GetCurrentThread and where the system refuses.
-    // The mask that the last call handed out undoes that call: the system isn't asked again what it set.
+    // Binds the calling thread to the processors of mask and returns the mask that held before. Returns 0 and
+    // leaves the thread as it is for a mask of 0, for any handle except GetCurrentThread, if the system
+    // refuses, and on machines with more than 1024 processors.
     OS_COUNTER_API DWORD_PTR SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask);
 
-    // Ticks a second: nanoseconds.
+    // Writes the ticks per second, 10^9, and returns 1.
     OS_COUNTER_API BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency);
-    // The same on all processors, and never set back.
+    // Writes nanoseconds of the monotonic clock: the same on all processors, and never set back. Returns 0 on
+    // failure.
     OS_COUNTER_API BOOL QueryPerformanceCounter(LARGE_INTEGER* counter);
 }
 

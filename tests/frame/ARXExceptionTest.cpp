@@ -1,6 +1,7 @@
 #include "frame/ARXException.h"
 
 #include <memory>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -12,9 +13,9 @@ namespace
 {
 NEBMessageString const s_one("one"), s_two("two");
 NEBFileLocation const s_place("place", 1);
-}  // namespace
+static_assert(std::is_nothrow_copy_constructible_v<ARXException>);
 
-TEST(ARXException, HurlThrowsACopyAndCopiesKeepAllAndStandAlone)
+TEST(ARXException, CopiesKeepAll)
 {
     ARXException error(3, 7), assigned(0);
     NEBException& base = error << s_one;
@@ -32,26 +33,28 @@ TEST(ARXException, HurlThrowsACopyAndCopiesKeepAllAndStandAlone)
     EXPECT_EQ((Lines{"ARXException: one\ntwo", expected[1]}), describe(error));
 }
 
-TEST(ARXException, WrappingTakesOverWhatTheSourceHeldOnce)
+TEST(ARXException, WrappingTakesWhatTheSourceHeldOnce)
 {
     for (NEBMessageString const* const message : {&s_two, static_cast<NEBMessageString const*>(nullptr)})
     {
         NEBException source("one");
         source.addBackTrace(s_place, nullptr, "NEB_THROW");
         ARXException const wrapper(source, message);
-        std::string const text = message ? "ARXException: one\ntwo" : "ARXException: one";
-        EXPECT_EQ((Lines{text, "place NEB_THROW"}), describe(wrapper));
+        EXPECT_EQ((Lines{message ? "ARXException: one\ntwo" : "ARXException: one", "place NEB_THROW"}),
+                  describe(wrapper));
         EXPECT_EQ(Lines{"NEBException: no messages"}, describe(source));
     }
 }
 
-TEST(ARXMessage, GetMessageReplacesTheResultAndKeepsTheNumber)
+TEST(ARXMessage, GetMessageReplacesTheResult)
 {
     ARXMessage own(99u), other("Other");
-    I18NString result("before");
-    own.getMessage("a.zip", 2, result);
-    EXPECT_STREQ("The archive a.zip can't be read.", result.c_str());
+    I18NString result("a path that is the argument and is replaced by the text");
+    own.getMessage(result.c_str(), 2, result);
+    EXPECT_STREQ("The archive a path that is the argument and is replaced by the text can't be read.",
+                 result.c_str());
     EXPECT_EQ(2u, own.getMessageId());
     other.getMessage(nullptr, 5, result);
     EXPECT_STREQ("Other:5", result.c_str());
 }
+}  // namespace

@@ -1,43 +1,60 @@
 #include "frame/ARXNew.h"
 
 #include <new>
-#include <tuple>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
 #include "frame/ARXAssert.h"
 #include "support/Raised.h"
+#include "support/Rows.h"
 
 namespace
 {
-int s_object = 0, s_before = 0;
+int s_object = 0;
+std::string const s_thrown = "tests/frame/ARXNewTest.cpp NEB_THROW",
+                  s_passed = "tests/frame/ARXNewTest.cpp NEB_RETHROW";
 
-int* assertion()
+int* failAssertion()
 {
     NEB_ASSERT_NAMED(NULL == &s_object, "a \"text\"");
     return nullptr;
 }
-}  // namespace
 
-TEST(NEBNew, TellsEachFailureInItsOwnWayAndLeavesTheTarget)
+struct NewRow
 {
-    std::string const thrown = " | tests/frame/ARXNewTest.cpp NEB_THROW";
-    std::string const passed = " | tests/frame/ARXNewTest.cpp NEB_RETHROW",
-                      noMemory = "NEBOutOfMemoryError: ";
-    std::string const text = "NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");";
-    std::tuple<int* (*)(), int*, std::string> const rows[] = {
-        {[] { return &s_object; }, &s_object, ""},
-        {[]() -> int* { return nullptr; }, nullptr, noMemory + thrown + passed},
-        {[]() -> int* { throw std::bad_alloc(); }, &s_before, noMemory + thrown},
-        {[]() -> int* { throw std::out_of_range("x"); }, &s_before, "NEBStdExceptionError: x" + thrown},
-        {assertion, &s_before, text + thrown + passed},
-    };
-    for (auto const& [make, left, raised] : rows)
-    {
-        int* target = &s_before;
-        EXPECT_EQ(raised, joined(raisedBy([&, &maker = make] { NEB_NEW(target, maker()); })));
-        EXPECT_EQ(left, target) << raised;
-    }
+    char const* m_name;
+    int* (*m_make)();
+    Lines m_raised;
+};
+NewRow const s_rows[] = {
+    {"NullResult", []() -> int* { return nullptr; }, {"NEBOutOfMemoryError: ", s_thrown, s_passed}},
+    {"BadAlloc", []() -> int* { throw std::bad_alloc(); }, {"NEBOutOfMemoryError: ", s_thrown}},
+    {"StandardException",
+     []() -> int* { throw std::out_of_range("x"); },
+     {"NEBStdExceptionError: x", s_thrown}},
+    {"Assertion",
+     failAssertion,
+     {"NEBAssertError: NEB_ASSERT_NAMED(NULL == &s_object, \"a \\\"text\\\"\");", s_thrown, s_passed}},
+};
+
+class NEBNew : public testing::TestWithParam<NewRow>
+{
+};
+
+TEST_P(NEBNew, RaisesWithItsPlace)
+{
     int* target = nullptr;
-    EXPECT_THROW(NEB_NEW(target, []() -> int* { throw 7; }()), int);
+    EXPECT_EQ(GetParam().m_raised, raisedBy([&] { NEB_NEW(target, GetParam().m_make()); }));
 }
+INSTANTIATE_TEST_SUITE_P(Failures, NEBNew, testing::ValuesIn(s_rows), RowName());
+
+TEST(NEBNewTarget, StaysIfTheExpressionThrows)
+{
+    int* target = nullptr;
+    NEB_NEW(target, &s_object);
+    EXPECT_EQ(&s_object, target);
+    EXPECT_THROW(NEB_NEW(target, []() -> int* { throw 7; }()), int);
+    EXPECT_EQ(&s_object, target);
+}
+}  // namespace

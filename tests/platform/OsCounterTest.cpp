@@ -1,132 +1,158 @@
 #include "os/OsCounter.h"
 
-#include <gtest/gtest.h>
 #include <sched.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
+#include <array>
 #include <cstring>
-#include <string>
-#include <thread>
-#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/Rows.h"
 
 namespace
 {
-using Words = std::vector<unsigned long>;
+DWORD_PTR constexpr s_allOnes = ~DWORD_PTR{0};
 
-// A machine with as many processors as its words have bits; the real one if it has none.
+// The processors of the calling thread as a kernel for 1024 processors keeps them, in words of 64.
+using Words = std::array<std::uint64_t, 16>;
+
 struct Kernel
 {
-    Words m_set;
-    char m_refused = '\0';  // of the calls below
-    std::string m_calls;    // g that worked, s
+    Words m_set{};
+    std::uint64_t m_existing = s_allOnes;  // of the first 64 processors
+    std::size_t m_size = sizeof(Words);    // that it insists on
+    bool m_refusesToGet = false;
+    bool m_refusesToSet = false;
 } s_kernel;
-std::size_t s_readSize = 0;  // of the last set that was read
 }  // namespace
 
-extern "C" int sched_getaffinity(pid_t task, std::size_t size, cpu_set_t* set) noexcept
+#pragma GCC visibility push(default)
+extern "C" int sched_getaffinity(pid_t, std::size_t size, cpu_set_t* set) noexcept
 {
-    std::memset(set, 0, size);
-    if (s_kernel.m_set.empty())
-        return syscall(SYS_sched_getaffinity, task, size, set) < 0 ? -1 : 0;
-    std::size_t const needed = s_kernel.m_set.size() * sizeof(unsigned long);
-    errno = size < needed ? EINVAL : EPERM;
-    if (size < needed || s_kernel.m_refused == 'g')
+    if (s_kernel.m_refusesToGet || size < s_kernel.m_size)
         return -1;
-    s_kernel.m_calls += 'g';
-    s_readSize = size;
-    std::memcpy(set, s_kernel.m_set.data(), needed);
+    std::memcpy(set, &s_kernel.m_set, sizeof s_kernel.m_set);
     return 0;
 }
 
 extern "C" int sched_setaffinity(pid_t task, std::size_t size, cpu_set_t const* set) noexcept
 {
-    if (s_kernel.m_set.empty())
-        return static_cast<int>(syscall(SYS_sched_setaffinity, task, size, set));
-    bool const isSound = task == 0 && (size == sizeof(unsigned long) || size == s_readSize);
-    s_kernel.m_calls += isSound ? 's' : '?';
-    if (s_kernel.m_refused == 's')
+    if (s_kernel.m_refusesToSet || task != 0 || size != sizeof s_kernel.m_set)
         return -1;
-    std::fill(s_kernel.m_set.begin(), s_kernel.m_set.end(), 0);
-    std::memcpy(s_kernel.m_set.data(), set, std::min(size, s_kernel.m_set.size() * sizeof(unsigned long)));
+    std::memcpy(&s_kernel.m_set, set, size);
+    s_kernel.m_set[0] &= s_kernel.m_existing;
     return 0;
 }
+#pragma GCC visibility pop
 
 namespace
 {
-DWORD_PTR constexpr s_all = ~DWORD_PTR{0};
-auto const pin = [](DWORD_PTR mask) { return SetThreadAffinityMask(GetCurrentThread(), mask); };
-
-struct Step
+DWORD_PTR pin(DWORD_PTR mask)
 {
-    DWORD_PTR m_mask, m_former;
-    Words m_set;          // behind it; of mask 0, before it too
-    char const* m_calls;  // made by it
-    char m_refused = '\0';
-};
-
-std::vector<Step> const s_rows[] = {
-    {{0, 0, {3}, ""}, {1, 3, {1}, "gs"}, {3, 1, {3}, "s"}, {1, 3, {1}, "gs"}, {3, 1, {3}, "s"}},
-    {{0, 0, {4}, ""}, {4, 4, {4}, "g"}, {4, 4, {4}, ""}, {4, 4, {4}, "g"}},
-    // More processors than a mask has bits, and one pinning inside another.
-    {{0, 0, {5, 0, 0, 0, 7}, ""},
-     {4, s_all, {4, 0, 0, 0, 0}, "gs"},
-     {1, 4, {1, 0, 0, 0, 0}, "gs"},
-     {4, 1, {4, 0, 0, 0, 0}, "s"},
-     {s_all, 4, {5, 0, 0, 0, 7}, "gs"},
-     {0, 0, {s_all, 0}, ""},  // somebody else's doing: all ones now stand for that
-     {1, s_all, {1, 0}, "gs"},
-     {s_all, 1, {s_all, 0}, "s"}},
-    // The system refuses to set, then to get; more processors than any kernel has.
-    {{0, 0, {3, 1}, ""},
-     {1, 0, {3, 1}, "gs", 's'},
-     {1, s_all, {1, 0}, "gs"},
-     {s_all, 0, {1, 0}, "s", 's'},
-     {s_all, 1, {3, 1}, "s"},
-     {1, 0, {3, 1}, "", 'g'}},
-    {{0, 0, Words(1024, 1), ""}, {1, 0, Words(1024, 1), ""}},
-};
-
-TEST(OsCounterPin, GivesBackExactlyTheSetThatWasThere)
-{
-    auto const play = [](std::vector<Step> const& row)
-    {
-        for (Step const& step : row)
-        {
-            s_kernel = {step.m_mask == 0 ? step.m_set : s_kernel.m_set, step.m_refused, ""};
-            EXPECT_EQ(step.m_former, pin(step.m_mask));
-            EXPECT_EQ(step.m_set, s_kernel.m_set);
-            EXPECT_EQ(step.m_calls, s_kernel.m_calls);
-        }
-    };
-    for (auto const& row : s_rows)  // on a new thread each: what the layer remembers belongs to a thread
-        std::thread(play, row).join();
+    return SetThreadAffinityMask(GetCurrentThread(), mask);
 }
 
-TEST(OsCounterPin, TellsTheProcessorsOfTheProcess)
+struct SetRow
+{
+    char const* m_name;
+    Words m_set;
+    DWORD_PTR m_mask;  // that tells it
+};
+SetRow const s_sets[] = {
+    {"TwoProcessors", {3}, 3},
+    {"ThePinnedOneAlone", {4}, 4},
+    {"LastOfAMask", {1ull << 63}, 1ull << 63},
+    {"AllOfAMask", {s_allOnes}, s_allOnes},
+    {"BeyondAMask", {5, 0, 0, 7}, s_allOnes},
+    {"OnlyBeyondAMask", {0, 0, 0, 7}, s_allOnes},
+};
+
+class OsCounterPin : public testing::TestWithParam<SetRow>
+{
+};
+
+TEST_P(OsCounterPin, RestoresTheSetThatHeld)
+{
+    s_kernel = {GetParam().m_set};
+    EXPECT_EQ(GetParam().m_mask, pin(4));
+    EXPECT_EQ(Words{4}, s_kernel.m_set);
+    EXPECT_EQ(4u, pin(GetParam().m_mask));
+    EXPECT_EQ(GetParam().m_set, s_kernel.m_set);
+}
+INSTANTIATE_TEST_SUITE_P(Sets, OsCounterPin, testing::ValuesIn(s_sets), RowName());
+
+TEST(OsCounter, PinsMayNest)
+{
+    s_kernel = {{5, 7}};
+    DWORD_PTR const outer = pin(4);
+    EXPECT_EQ(1u, pin(pin(1)));
+    EXPECT_EQ(Words{4}, s_kernel.m_set);
+    EXPECT_EQ(4u, pin(outer));
+    EXPECT_EQ((Words{5, 7}), s_kernel.m_set);
+}
+
+TEST(OsCounter, PinReturnsWhatTheKernelGranted)
+{
+    s_kernel = {{3}};
+    s_kernel.m_existing = 0xFF;
+    EXPECT_EQ(3u, pin(0xFFF0));
+    EXPECT_EQ(0xF0u, pin(3));
+}
+
+TEST(OsCounter, PinReturnsWhatTheHostSetMeanwhile)
+{
+    s_kernel = {{3}};
+    EXPECT_EQ(3u, pin(2));
+    s_kernel.m_set = {0xC};
+    EXPECT_EQ(0xCu, pin(3));
+}
+
+TEST(OsCounter, RefusedRestoreIsForgottenOnceTheHostRepairs)
+{
+    s_kernel = {{2}};
+    EXPECT_EQ(2u, pin(1));
+    s_kernel.m_refusesToSet = true;
+    EXPECT_EQ(0u, pin(2));
+    s_kernel = {{0xC}};
+    EXPECT_EQ(2u, pin(pin(2)));
+    EXPECT_EQ(Words{0xC}, s_kernel.m_set);
+}
+
+TEST(OsCounter, RefusedPinLeavesTheThread)
+{
+    for (bool Kernel::*const refusal : {&Kernel::m_refusesToGet, &Kernel::m_refusesToSet})
+    {
+        s_kernel = {{3}};
+        s_kernel.*refusal = true;
+        EXPECT_EQ(0u, pin(1));
+        EXPECT_EQ(Words{3}, s_kernel.m_set);
+    }
+    s_kernel = {{3}};
+    s_kernel.m_size = 2 * sizeof(Words);
+    EXPECT_EQ(0u, pin(1));
+    s_kernel = {{3}};
+    EXPECT_EQ(0u, pin(0));
+    EXPECT_EQ(0u, SetThreadAffinityMask(GetCurrentProcess(), 1));
+    EXPECT_EQ(Words{3}, s_kernel.m_set);
+}
+
+TEST(OsCounter, ProcessMaskHoldsTheFirstProcessors)
 {
     DWORD_PTR process = 0, system = 0;
-    s_kernel = {{3, 1}, '\0', ""};
+    s_kernel = {{3, 1}};
     EXPECT_NE(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
     EXPECT_EQ(3u, process);
-    EXPECT_EQ(0u, SetThreadAffinityMask(GetCurrentProcess(), 1));
-    s_kernel.m_refused = 'g';
+    EXPECT_EQ(0, GetProcessAffinityMask(GetCurrentThread(), &process, &system));
+    s_kernel.m_refusesToGet = true;
     EXPECT_EQ(0, GetProcessAffinityMask(GetCurrentProcess(), &process, &system));
 }
 
-TEST(OsCounterPin, MovesARealThreadThereAndBack)
+TEST(OsCounter, CounterRisesByNanoseconds)
 {
-    s_kernel = Kernel();
-    cpu_set_t before, after;
-    ASSERT_EQ(0, sched_getaffinity(0, sizeof before, &before));
-    auto const mask = DWORD_PTR{1} << sched_getcpu() % 64;
-    EXPECT_EQ(mask, pin(pin(mask)));
-    ASSERT_EQ(0, sched_getaffinity(0, sizeof after, &after));
-    EXPECT_TRUE(CPU_EQUAL(&before, &after));
-    LARGE_INTEGER first, second;
-    EXPECT_TRUE(QueryPerformanceCounter(&first) && QueryPerformanceCounter(&second));
+    LARGE_INTEGER frequency, first, second;
+    ASSERT_TRUE(QueryPerformanceFrequency(&frequency) && QueryPerformanceCounter(&first) &&
+                QueryPerformanceCounter(&second));
+    EXPECT_EQ(1000000000, frequency.QuadPart);
     EXPECT_LE(first.QuadPart, second.QuadPart);
 }
 }  // namespace
