@@ -34,7 +34,7 @@ void KRYSession::setUp(char const* document)
     m_reader.reset();
     m_closing = action == KRYAction::finish;
     if (action == KRYAction::sign)
-        m_signer = std::allocate_shared<KRYSigner>(KRYLockedMemory<KRYSigner>(), m_keys.front(), m_serviceID);
+        m_signer = std::make_unique<KRYSigner>(m_keys.front(), m_serviceID);
     else if (action == KRYAction::cipher)
         m_writer = std::make_unique<KRYFileWriter>(fileName, m_keys, m_serviceID);
     else if (action == KRYAction::decipher)

@@ -62,7 +62,7 @@ private:
     KRYLastFailure m_lastFailure;
 
     // At most one of the three is there.
-    std::shared_ptr<KRYSigner> m_signer;
+    std::unique_ptr<KRYSigner> m_signer;
     std::unique_ptr<KRYFileWriter> m_writer;
     std::unique_ptr<KRYFileReader> m_reader;
     bool m_closing = false;  // the closing document has come

@@ -54,8 +54,8 @@ struct KRYSignature : KRYFormat, testing::WithParamInterface<SignatureCase>
 };
 SignatureCase const s_signatures[] = {
     {"Name", "report.pdf", "4025e1c1f89a1526cb758f72e8a9932e4614de70ceb606d1bbdf75ce5f7b00b3"},
-    {"NameThenSession", "report.pdf0123456789abcdef",
-     "ae2505059adb4fca551d17a08b238303e490424c57d7d6e6fc76839e484f764a"},
+    {"NameThenSession", "report.pdf/0123456789abcdef",
+     "3ef8347296f0bb5edcc12d800c4502d11637b9fb4e3c9b877eb87e224657b326"},
 };
 
 struct FileCase

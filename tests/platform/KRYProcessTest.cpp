@@ -4,6 +4,8 @@
 #include <fstream>
 #include <thread>
 
+#include <unistd.h>
+
 #include "platform/KRYStarted.h"
 
 namespace
@@ -44,14 +46,20 @@ bool childKeepsApart(KRYTestSession& parents, std::string const& path)
     std::exit(0);
 }
 
-// The number of pieces of memory that the system locks and leaves out of core dumps, if it may lock any.
-std::size_t countKeptMemory()
+// The number of single pages that the system leaves out of core dumps. A sanitizer has larger areas of that
+// kind.
+int countPagesNotDumped()
 {
+    std::string const page = " " + std::to_string(sysconf(_SC_PAGESIZE) / 1024) + " kB";
     std::ifstream maps("/proc/self/smaps");
-    std::size_t count = 0;
+    bool isPage = false;
+    int count = 0;
     for (std::string line; std::getline(maps, line);)
-        count += line.rfind("VmFlags:", 0) == 0 && line.find(" lo") != std::string::npos &&
-                 line.find(" dd") != std::string::npos;
+    {
+        if (line.rfind("Size:", 0) == 0)
+            isPage = line.find(page) != std::string::npos;
+        count += isPage && line.rfind("VmFlags:", 0) == 0 && line.find(" dd") != std::string::npos;
+    }
     return count;
 }
 }  // namespace
@@ -79,12 +87,9 @@ TEST_F(KRYProcess, ExitsWhileThreadsWork)
         EXPECT_EXIT(exitAtWork(m_folder), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(KRYProcess, KeepsKeysOutOfSwapAndCoreDumps)
+TEST_F(KRYProcess, KeepsMasterKeysOutOfCoreDumps)
 {
-    EXPECT_EQ(1u, countKeptMemory()) << "the master keys";
-    KRYTestSession session;
-    EXPECT_EQ(KRY_SUCCESS, session.sign());
-    EXPECT_EQ(2u, countKeptMemory()) << "the key of signatures too";
+    EXPECT_EQ(1, countPagesNotDumped());
     stop(s_service);
-    EXPECT_EQ(0u, countKeptMemory());
+    EXPECT_EQ(0, countPagesNotDumped());
 }
