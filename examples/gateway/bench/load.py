@@ -76,10 +76,11 @@ def measure(url, paths, cookie, connections=200, seconds=SECONDS, meanwhile=None
 
 
 def report(name, output):
-    rate = float(re.search(r"Requests/sec: *([0-9.]+)", output)[1])
+    rate, transfer = re.search(r"Requests/sec: *([0-9.]+)\nTransfer/sec: *(\S+)", output).groups()
     latency = re.search(r" 50% *(\S+)(?:.|\n)* 99% *(\S+)", output)
     failed = " ".join(re.findall(r"(?:Non-2xx|Socket errors).*", output)) or "no failed request"
-    print(f"{name:40} {rate:8.0f} requests/s, half below {latency[1]}, 99 % below {latency[2]}, {failed}", flush=True)
+    print(f"{name:36} {float(rate):8.0f} requests/s, {transfer}/s, half below {latency[1]}, 99 % below {latency[2]}, "
+          f"{failed}", flush=True)
 
 
 def read_memory(pid):
@@ -93,9 +94,9 @@ def write_nginx_configuration(site, plain, accel):
         file.write(NGINX.format(plain=plain.url[7:], accel=accel.url[7:], root=site.root))
 
 
-def sign_for_nginx(site, cookie):
+def sign_for_nginx(names, cookie):
     session = cookie.partition("=")[2]
-    for name in sorted(os.listdir(site.root)):
+    for name in names:
         digest = hashlib.md5(f"/{name}{session} secret".encode()).digest()
         yield f"/{name}?md5=" + base64.urlsafe_b64encode(digest).decode().rstrip("=")
 
@@ -109,16 +110,22 @@ def compare_with_secure_link(site, cleanup):
     nginx = subprocess.Popen(["nginx", "-p", os.getcwd(), "-c", "nginx.conf", "-g", "daemon off;"])
     cleanup.callback(end, nginx)
     time.sleep(1)
-    links, secure = list(plain.links().values()), list(sign_for_nginx(site, plain.cookie))
-    print(f"{FILES} files of 1 KiB, 200 connections, load {os.getloadavg()[0]:.1f} before", flush=True)
-    for _ in range(3):
-        for name, url, paths in [("nginx secure_link", "http://127.0.0.1:9001", secure), ("arxgate", plain.url, links),
-                                 ("nginx, arxgate", "http://127.0.0.1:9002", links),
-                                 ("nginx, arxgate with X-Accel-Redirect", "http://127.0.0.1:9003", links)]:
-            report(name, measure(url, paths, plain.cookie))
+    links = plain.links()
+    large = links.pop("large.bin")
+    small = list(links.values())
+    for title, paths, names, connections in [(f"{FILES} files of 1 KiB", small, links, 200),
+                                             ("a file of 16 MiB", [large], ["large.bin"], 16)]:
+        secure = list(sign_for_nginx(names, plain.cookie))
+        for _ in range(3):
+            print(f"{title}, {connections} connections, load {os.getloadavg()[0]:.1f} before", flush=True)
+            for name, url, asked in [("nginx secure_link", "http://127.0.0.1:9001", secure),
+                                     ("arxgate", plain.url, paths),
+                                     ("nginx, arxgate", "http://127.0.0.1:9002", paths),
+                                     ("nginx, arxgate with X-Accel-Redirect", "http://127.0.0.1:9003", paths)]:
+                report(name, measure(url, asked, plain.cookie, connections))
     before, count = read_memory(plain.pid), 0
     while count < 100000:
-        count += int(re.search(r"(\d+) requests in", measure(plain.url, links, plain.cookie))[1])
+        count += int(re.search(r"(\d+) requests in", measure(plain.url, small, plain.cookie))[1])
     print(f"memory {before} KiB, {read_memory(plain.pid)} KiB after {count} more requests", flush=True)
 
 
@@ -140,7 +147,8 @@ def kill_one_of_two(site, cleanup):
         with open(os.path.join(announced[2], "8081.pid")) as pid:
             os.kill(int(pid.read()), signal.SIGKILL)
 
-    report("one of two killed and restarted", measure(gate.url, list(gate.links().values()), gate.cookie, 50, 8, kill))
+    small = [link for name, link in gate.links().items() if name != "large.bin"]
+    report("one of two killed and restarted", measure(gate.url, small, gate.cookie, 50, 8, kill))
 
 
 def end(process):
@@ -154,6 +162,7 @@ def main():
         cleanup.callback(site.close)
         for number in range(FILES):
             site.store(f"file{number}.txt", os.urandom(1024))
+        site.store("large.bin", os.urandom(16 << 20))
         os.chdir(os.path.dirname(site.root))
         compare_with_secure_link(site, cleanup)
         kill_one_of_two(site, cleanup)

@@ -35,7 +35,8 @@ class GatewayTest(unittest.TestCase):
                 ("unknown path", "/other", [], 404), ("file as folder", "/download.zip" + link[8:], [], 404),
                 ("changed signature", link.replace("&s=", "&s=A"), [], 403), ("more values", link + "&x=1", [], 403),
                 ("escaped name", link.replace("f=c", "f=%63"), [], 403), ("no values", "/gateway", [], 403),
-                ("upload of no form", "/upload", ["-d", "a"], 415), ("body of a GET", link, ["-X", "GET", "-d", "a"], 400), ("metrics", "/metrics", [], 200)]:
+                ("upload of no form", "/upload", ["-d", "a"], 415),
+                ("body of a GET", link, ["-X", "GET", "-d", "a"], 400), ("metrics", "/metrics", [], 200)]:
             with self.subTest(name):
                 reply = self.gate.curl(path, *options)
                 self.assertEqual(reply.status, status)

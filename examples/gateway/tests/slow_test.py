@@ -1,4 +1,4 @@
-"""What takes its time: a file above 4 GiB, slow clients, and those that go. Usage: ARXGATE=PROGRAM python3 slow_test.py"""
+"""A file above 4 GiB, slow clients, and clients that go. Usage: ARXGATE=PROGRAM python3 slow_test.py"""
 
 import os
 import subprocess
