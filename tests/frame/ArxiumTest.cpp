@@ -1,68 +1,96 @@
 #include "frame/Arxium.h"
 
-#include <tuple>
-
+#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "crypto/ARXKRYHandleFactory.h"
+#include "frame/ARXDetails.h"
 #include "support/CryptoRecorder.h"
 
+namespace
+{
 using ArxiumTest = RecordedTest;
 
-TEST_F(ArxiumTest, OnlyTheFirstStartAndTheLastStopWorkAndAFailedStartDoesNotCount)
+char const s_startCrypto[] =
+    R"(KRY_CryptoInitialize <?xml version="1.0" encoding="UTF-8" standalone="yes"?><initializeDocument><serviceID>Arxium</serviceID></initializeDocument>)";
+char const s_stopCrypto[] =
+    R"(KRY_CryptoTerminate <?xml version="1.0" encoding="UTF-8" standalone="yes"?><terminateDocument><serviceID>Arxium</serviceID></terminateDocument>)";
+Lines const s_start{"I18NInitialize", s_startCrypto}, s_stop{s_stopCrypto, "I18NTerminate"};
+
+// Whether handles can be had, which the library's own maker of handles decides.
+bool isServing()
 {
-    std::map<char, void (*)()> const actions = {
-        {'F', [] { Arxium::initialize(); }},
-        {'H', [] { Arxium::initialize(false); }},
-        {'S', [] { ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle("cnfg", "info")); }},
-        {'T', [] { Arxium::terminate(); }}};
-    auto const exchange = [](std::string const& call, std::string const& root)
+    return raisedBy([] { ARXKRYHandleFactory::destroyHandle(nullptr); }).empty();
+}
+
+TEST_F(ArxiumTest, OnlyTheFirstStartWorks)
+{
+    Arxium::initialize();
+    EXPECT_EQ(s_start, m_recorder.takeCalls());
+    Arxium::initialize(false);
+    Arxium::terminate();
+    EXPECT_TRUE(isServing());
+    EXPECT_EQ(Lines(), m_recorder.takeCalls());
+    Arxium::terminate();
+    EXPECT_FALSE(isServing());
+    EXPECT_EQ(s_stop, m_recorder.takeCalls());
+}
+
+TEST_F(ArxiumTest, FirstStartThatIsNotFullStaysSo)
+{
+    Arxium::initialize(false);
+    Arxium::initialize();
+    Arxium::terminate();
+    EXPECT_TRUE(isServing());
+    Arxium::terminate();
+    EXPECT_EQ(Lines(), m_recorder.takeCalls());
+}
+
+TEST_F(ArxiumTest, LastStopClosesSharedSessionsFirst)
+{
+    Arxium::initialize();
+    ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle("cnfg", "info"));
+    m_recorder.takeCalls();
+    Arxium::terminate();
+    EXPECT_EQ((Lines{"KRY_CloseHandle S1", s_stop[0], s_stop[1]}), m_recorder.takeCalls());
+}
+
+TEST_F(ArxiumTest, StopWithoutAStartChangesNothing)
+{
+    EXPECT_EQ((Lines{"NEBAssertError: NEB_ASSERT(m_initcount > 0);", "frame/Arxium.cpp NEB_THROW"}),
+              raisedBy([] { Arxium::terminate(); }));
+    Arxium::initialize();
+    EXPECT_TRUE(isServing());
+    Arxium::terminate();
+}
+
+TEST_F(ArxiumTest, FailedStartDoesNotCount)
+{
+    m_recorder.failCall("KRY_CryptoInitialize", 1, Fault::Details);
+    EXPECT_EQ(
+        (Lines{
+            R"(NEBAssertError: NEB_ASSERT_NAMED(::initCrypto(), "Arxium::initialize - crypto initialization failed");)",
+            "frame/Arxium.cpp NEB_THROW"}),
+        raisedBy([] { Arxium::initialize(); }));
+    EXPECT_FALSE(isServing());
+    EXPECT_EQ((Lines{s_start[0], s_start[1], "KRY_CryptoFree details"}), m_recorder.takeCalls());
+    Arxium::initialize();
+    EXPECT_EQ(s_start, m_recorder.takeCalls());
+    Arxium::terminate();
+}
+
+TEST_F(ArxiumTest, FailedStopCompletes)
+{
+    for (Fault const fault : {Fault::Details, Fault::Exception})
     {
-        return call + " <?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><" + root +
-               "><serviceID>Arxium</serviceID></" + root + ">";
-    };
-    std::string const init = "KRY_CryptoInitialize", term = "KRY_CryptoTerminate",
-                      free = "KRY_CryptoFree details", startTexts = "I18NInitialize",
-                      startCrypto = exchange(init, "initializeDocument"),
-                      stopCrypto = exchange(term, "terminateDocument"), stopTexts = "I18NTerminate",
-                      error = "- NEBAssertError: NEB_ASSERT", thrown = "); | frame/Arxium.cpp NEB_THROW",
-                      notRunning = "T" + error + "(m_initcount > 0" + thrown,
-                      notStarted = "F" + error +
-                                   "_NAMED(::initCrypto(), \"Arxium::initialize - crypto "
-                                   "initialization failed\"" +
-                                   thrown;
-    Lines const start = {startTexts, startCrypto, "F+"}, stop = {stopCrypto, stopTexts, "T-"},
-                full = concatenated({start, stop}),
-                failedStop = concatenated({start, {stopCrypto, free, stopTexts, "T-"}});
-    // What was called, and after each step: whether the library serves then, and what the step raised.
-    std::tuple<std::string, Fault, std::string, Lines> const rows[] = {
-        {"", Fault::None, "HFTT", {"H+", "F+", "T+", "T-"}},
-        {"", Fault::None, "FHTT", concatenated({start, {"H+", "T+"}, stop})},
-        {"", Fault::None, "HTFT", concatenated({{"H+", "T-"}, full})},
-        {"", Fault::None, "TFT", concatenated({{notRunning}, full})},
-        {"", Fault::None, "FST",
-         concatenated({start,
-                       {"KRY_PersistentInitialize cnfg", "KRY_SetInfo S1 info", "S+", "KRY_CloseHandle S1"},
-                       stop})},
-        {init, Fault::Details, "FFT", concatenated({{startTexts, startCrypto, free, notStarted}, full})},
-        {term, Fault::Details, "FT", failedStop},
-        {term, Fault::Exception, "FT", failedStop},
-    };
-    for (auto const& [function, fault, steps, calls] : rows)
-    {
-        m_recorder.reset();
-        m_recorder.failCall(function, 1, fault);
-        for (char const step : steps)
-        {
-            std::string const raised = joined(raisedBy(actions.at(step)));
-            bool const isServing = raisedBy([] { ARXKRYHandleFactory::destroyHandle(nullptr); }).empty();
-            m_recorder.m_calls.push_back(step + std::string(isServing ? "+" : "-") +
-                                         (raised.empty() ? "" : " " + raised));
-        }
-        EXPECT_EQ(calls, m_recorder.takeCalls());
-        EXPECT_EQ(Lines(), m_recorder.problems());
+        Arxium::initialize();
+        m_recorder.takeCalls();
+        m_recorder.failCall("KRY_CryptoTerminate", 1, fault);
+        Arxium::terminate();
+        EXPECT_FALSE(isServing());
+        EXPECT_EQ((Lines{s_stop[0], "KRY_CryptoFree details", s_stop[1]}), m_recorder.takeCalls());
     }
 }
 
-TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefusedAndDoNotWrapIt)
+TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefused)
 {
     for (int starts = 0; starts < INT16_MAX; ++starts)
         Arxium::initialize(false);
@@ -70,3 +98,14 @@ TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefusedAndDoNotWrapIt)
     for (int stops = 0; stops < INT16_MAX; ++stops)
         Arxium::terminate();
 }
+
+TEST_F(ArxiumTest, FreedDetailsAreCleared)
+{
+    char* details = nullptr;
+    m_recorder.failCall("KRY_CryptoInitialize", 1, Fault::Details);
+    callForDetails(details, KRY_CryptoInitialize, "document", nullptr);
+    ASSERT_NE(nullptr, details);
+    freeDetails(details);
+    EXPECT_EQ(nullptr, details);
+}
+}  // namespace

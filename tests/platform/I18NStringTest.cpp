@@ -16,9 +16,15 @@ std::u16string units(I18NString const& text)
     return reinterpret_cast<char16_t const*>(text.getExternalBuffer());
 }
 
-TEST(I18NString, GivesBackTheBytesThatItTook)
+struct Utf8Row
 {
-    std::pair<char const*, std::u16string> const rows[] = {
+    char const* m_bytes;
+    std::u16string m_units;
+};
+
+TEST(I18NString, ReturnsTheBytesThatItTook)
+{
+    Utf8Row const rows[] = {
         {"", u""},
         {"a\x7F", u"a\x7F"},
         {"\xC2\x80\xDF\xBF", u"\x80\u07FF"},
@@ -28,14 +34,14 @@ TEST(I18NString, GivesBackTheBytesThatItTook)
         {"\xE0\x9F\xBF\xED\xA0\x80", u"\xDCE0\xDC9F\xDCBF\xDCED\xDCA0\xDC80"},
         {"\xF0\x8F\xBF\xBF\xF4\x90\x80\x80", u"\xDCF0\xDC8F\xDCBF\xDCBF\xDCF4\xDC90\xDC80\xDC80"},
         {"\xE2\x82z\xF0\x9F\x98", u"\xDCE2\xDC82z\xDCF0\xDC9F\xDC98"}};
-    for (auto const& [bytes, expected] : rows)
+    for (Utf8Row const& row : rows)
     {
-        EXPECT_EQ(expected, units(I18NString(bytes))) << bytes;
-        EXPECT_STREQ(bytes, I18NString(bytes).c_str());
+        EXPECT_EQ(row.m_units, units(I18NString(row.m_bytes))) << row.m_bytes;
+        EXPECT_STREQ(row.m_bytes, I18NString(row.m_bytes).c_str());
     }
 }
 
-TEST(I18NString, TakesLengthsAndExternalForms)
+TEST(I18NString, TakesExternalForms)
 {
     EXPECT_STREQ("ab", I18NString("abc", nullptr, 2).c_str());
     EXPECT_TRUE(I18NString(nullptr, nullptr, -1, nullptr, nullptr).empty());
@@ -47,11 +53,11 @@ TEST(I18NString, TakesLengthsAndExternalForms)
         text.setTo(size ? u"abc" : nullptr, size);
         EXPECT_EQ(std::u16string(u"abc", size / 2).c_str(), units(text)) << size;
     }
-    text.setTo(u"\xD800x\xDFFF\xDBFF\xDC00", 10);  // lone surrogates but for the last two
+    text.setTo(u"\xD800x\xDFFF\xDBFF\xDC00", 10);  // lone surrogates, except the last two
     EXPECT_STREQ("\xED\xA0\x80x\xED\xBF\xBF\xF4\x8F\xB0\x80", text.c_str());
 }
 
-TEST(I18NString, CountsOffsetsInUnitsAndTakesThoseBehindTheEndAsTheEnd)
+TEST(I18NString, OffsetsBeyondTheEndCountAsTheEnd)
 {
     I18NString const text("ab\xF0\x9F\x98\x80xb");  // six units
     std::vector const found{text.find(u'b'),     text.find(u'b', 2), text.find(u'a', 5),  text.find(u'b', -1),
@@ -66,29 +72,34 @@ TEST(I18NString, CountsOffsetsInUnitsAndTakesThoseBehindTheEndAsTheEnd)
     EXPECT_EQ((std::vector<I18NString>{"xb", "b", "", "xb", ""}), parts);
 }
 
-TEST(I18NString, ForgetsTheTextThatItGaveOutWithEachChange)
+struct ChangeRow
 {
-    std::pair<void (*)(I18NString&), char const*> const rows[] = {
-        {[](I18NString& text) { text.append(u'x', 2); }, "abcxx"},
-        {[](I18NString& text) { text.append(u'x', -1); }, "abc"},
-        {[](I18NString& text) { text.append(text); }, "abcabc"},
-        {[](I18NString& text) { text.replace(1, 1, u'x', 3); }, "axxxc"},
-        {[](I18NString& text) { text.replace(1, -1, u'x', -1); }, "a"},
-        {[](I18NString& text) { text.erase(1, 1); }, "ac"},
-        {[](I18NString& text) { text.erase(1, -1); }, "a"},
-        {[](I18NString& text) { text.remove(); }, ""},
-        {[](I18NString& text) { text = I18NString("moved"); }, "moved"},
-        {[](I18NString& text) { text = *&text; }, "abc"}};
-    for (auto const& [change, expected] : rows)
+    void (*m_change)(I18NString&);
+    char const* m_text;
+};
+
+TEST(I18NString, EachChangeRenewsTheUtf8)
+{
+    ChangeRow const rows[] = {{[](I18NString& text) { text.append(u'x', 2); }, "abcxx"},
+                              {[](I18NString& text) { text.append(u'x', -1); }, "abc"},
+                              {[](I18NString& text) { text.append(text); }, "abcabc"},
+                              {[](I18NString& text) { text.replace(1, 1, u'x', 3); }, "axxxc"},
+                              {[](I18NString& text) { text.replace(1, -1, u'x', -1); }, "a"},
+                              {[](I18NString& text) { text.erase(1, 1); }, "ac"},
+                              {[](I18NString& text) { text.erase(1, -1); }, "a"},
+                              {[](I18NString& text) { text.remove(); }, ""},
+                              {[](I18NString& text) { text = I18NString("moved"); }, "moved"},
+                              {[](I18NString& text) { text = *&text; }, "abc"}};
+    for (ChangeRow const& row : rows)
     {
         I18NString text("abc");
         text.c_str();
-        change(text);
-        EXPECT_STREQ(expected, text.c_str());
+        row.m_change(text);
+        EXPECT_STREQ(row.m_text, text.c_str());
     }
 }
 
-TEST(I18NString, GivesAllReadersAtOnceTheSameText)
+TEST(I18NString, AllReadersGetTheSameText)
 {
     for (int round = 0; round < 20; ++round)
     {

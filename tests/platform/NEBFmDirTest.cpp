@@ -6,95 +6,140 @@
 #include <sys/stat.h>
 
 #include "support/TemporaryFolder.h"
-#include "support/Words.h"
 
 namespace
 {
-int constexpr s_file = 0x8000;
-int constexpr s_directory = 0x4000;
+using Names = std::vector<std::string>;
 
-TEST(NEBFmDir, SplitsBehindTheLastSeparatorAlsoInPlace)
+struct SplitRow
 {
-    // Path, directory, file.
-    for (Words const& row : table("- - -, x - x, /x / x, \\x \\ x, a/ a -, a/b\\c a/b c, a//b a/ b, // / -"))
+    char const* m_path;
+    char const* m_directory;
+    char const* m_file;
+};
+
+TEST(NEBFmDir, SplitsAfterTheLastSeparator)
+{
+    SplitRow const rows[] = {{"", "", ""},    {"x", "", "x"},         {"/x", "/", "x"},    {"\\x", "\\", "x"},
+                             {"a/", "a", ""}, {"a/b\\c", "a/b", "c"}, {"a//b", "a/", "b"}, {"//", "/", ""}};
+    for (SplitRow const& row : rows)
     {
-        std::string directory = row[0], file = row[0];
+        SCOPED_TRACE(row.m_path);
+        std::string directory = row.m_path, file = row.m_path;  // each is input and output
         NEBFmDir::splitPath(directory, &directory, nullptr);
         NEBFmDir::splitPath(file, nullptr, &file);
-        EXPECT_EQ(row, (Words{row[0], directory, file}));
+        EXPECT_EQ(row.m_directory, directory);
+        EXPECT_EQ(row.m_file, file);
     }
 }
+
+struct MakeRow
+{
+    std::string m_path;
+    char const* m_made;  // the last folder made; null if the path is refused
+};
 
 TEST(NEBFmDir, MakesDirectoriesThroughBothSeparators)
 {
     TemporaryFolder const folder;
     CurrentFolder const current(folder.path());
     std::ofstream("file");
-    auto rows = table("- ., a a, a a, b\\c//d\\ b/c/d, e/../f/./g f/g, file, file/x, /proc/x/y");
-    rows.push_back({folder / "h\\i", "h/i"});
-    rows.push_back({std::string(5000, '/') + std::string(300, 'x')});
-    for (Words const& row : rows)
+    MakeRow const rows[] = {{"", "."},
+                            {"a", "a"},
+                            {"a", "a"},
+                            {"b\\c//d\\", "b/c/d"},
+                            {"e/../f/./g", "f/g"},
+                            {folder / "h\\i", "h/i"},
+                            {"file", nullptr},
+                            {"file/x", nullptr},
+                            {std::string(5000, '/') + std::string(300, 'x'), nullptr}};
+    for (MakeRow const& row : rows)
     {
-        EXPECT_EQ(row.size() == 2, NEBFmDir::createRecursiveDir(row[0])) << row[0];
-        EXPECT_EQ(1, NEBFmDir::exists(row.size() == 2 ? row[1].c_str() : ".", s_directory)) << row[0];
+        SCOPED_TRACE(row.m_path);
+        EXPECT_EQ(row.m_made != nullptr, NEBFmDir::createRecursiveDir(row.m_path));
+        EXPECT_EQ(row.m_made != nullptr, NEBFmDir::exists(row.m_made, NEBFmDir::s_directory));
     }
 }
 
-TEST(NEBFmDir, KnowsTypesAndListsFilesAndRealDirectoriesSortedByByte)
+class NEBFmDirListing : public testing::Test
 {
-    TemporaryFolder const folder;
-    for (char const* name : {"b", "a", "B", "\xC3\xA4", "a\\b"})
-        std::ofstream(folder / name);
-    for (char const* name : {"z", "D", ".hidden"})
-        std::filesystem::create_directory(folder / name);
-    for (char const* target : {"a", "z", "nowhere", "b/x", "link-l"})
-        std::filesystem::create_symlink(target, folder / (std::string("link-") + target[0]));
-    ASSERT_EQ(0, mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0));
-
-    // Files, directories, neither.
-    auto const rows = table("a a\\b link-a .\\b, . .. z link-z, socket link-n a/b b/x");
-    for (std::size_t row = 0; row < 3; ++row)
-        for (std::string const& name : rows.at(row))
-        {
-            EXPECT_EQ(row == 0, NEBFmDir::exists((folder / name).c_str(), s_file)) << name;
-            EXPECT_EQ(row == 1, NEBFmDir::exists((folder / name).c_str(), s_directory)) << name;
-        }
-    EXPECT_EQ(0, NEBFmDir::exists(nullptr, s_file));
-
-    Words files{"old"}, dirs{"old"};
-    EXPECT_EQ(1, NEBFmDir::readDir(folder.path().c_str(), &files, nullptr, &dirs, nullptr));
-    EXPECT_EQ(table("B a a\\b b link-a \xC3\xA4, .hidden D z"), (std::vector<Words>{files, dirs}));
-    EXPECT_EQ(1, NEBFmDir::readDir(folder.path().c_str(), nullptr, nullptr, nullptr, nullptr));
-    for (char const* name : {static_cast<char const*>(nullptr), "/nowhere"})
+protected:
+    NEBFmDirListing()
     {
-        dirs = files = {"old"};
+        for (char const* name : {"b", "a", "B", "\xC3\xA4", "a\\b"})
+            std::ofstream(m_folder / name);
+        for (char const* name : {"z", "D", ".hidden"})
+            std::filesystem::create_directory(m_folder / name);
+        std::filesystem::create_symlink("a", m_folder / "link to file");
+        std::filesystem::create_symlink("z", m_folder / "link to folder");
+        std::filesystem::create_symlink("nowhere", m_folder / "link to nothing");
+        std::filesystem::create_symlink("loop", m_folder / "loop");
+        ::mkfifo((m_folder / "pipe").c_str(), 0600);
+    }
+
+    TemporaryFolder const m_folder;
+};
+
+TEST_F(NEBFmDirListing, ExistsFollowsLinks)
+{
+    for (char const* const name : {"a", "a\\b", "link to file", ".\\b"})
+        EXPECT_EQ(1, NEBFmDir::exists((m_folder / name).c_str(), NEBFmDir::s_regularFile)) << name;
+    for (char const* const name : {".", "z", "link to folder", "z\\.."})
+        EXPECT_EQ(1, NEBFmDir::exists((m_folder / name).c_str(), NEBFmDir::s_directory)) << name;
+    for (char const* const name : {"pipe", "link to nothing", "loop", "z", "a/b"})
+        EXPECT_EQ(0, NEBFmDir::exists((m_folder / name).c_str(), NEBFmDir::s_regularFile)) << name;
+    EXPECT_EQ(0, NEBFmDir::exists((m_folder / "a").c_str(), NEBFmDir::s_directory));
+    EXPECT_EQ(0, NEBFmDir::exists(nullptr, NEBFmDir::s_regularFile));
+}
+
+TEST_F(NEBFmDirListing, ReadDirSortsByByte)
+{
+    Names files{"old"}, dirs{"old"};
+    EXPECT_EQ(1, NEBFmDir::readDir(m_folder.path().c_str(), &files, nullptr, &dirs, nullptr));
+    EXPECT_EQ((Names{"B", "a", "a\\b", "b", "link to file", "\xC3\xA4"}), files);
+    EXPECT_EQ((Names{".hidden", "D", "z"}), dirs);
+    EXPECT_EQ(1, NEBFmDir::readDir(m_folder.path().c_str(), nullptr, nullptr, nullptr, nullptr));
+}
+
+TEST_F(NEBFmDirListing, FailedReadDirEmptiesTheLists)
+{
+    for (char const* const name : {static_cast<char const*>(nullptr), "/nowhere"})
+    {
+        Names files{"old"}, dirs{"old"};
         EXPECT_EQ(0, NEBFmDir::readDir(name, &files, nullptr, &dirs, nullptr));
         EXPECT_TRUE(files.empty() && dirs.empty());
     }
 }
 
-TEST(NEBFmDir, ResolvesPathsThatExistOnlyInPart)
+struct ResolveRow
+{
+    char const* m_path;
+    char const* m_below;  // the current directory
+};
+
+TEST(NEBFmDirResolve, TakesPathsThatExistOnlyInPart)
 {
     TemporaryFolder const folder;
     CurrentFolder const current(folder.path());
     std::filesystem::create_directories("a/b");
     std::filesystem::create_symlink("a/b", "link");
     std::filesystem::create_symlink("loop", "loop");
-    // Paths, and what they are below the current directory.
-    auto rows = table(
-        ". -, link\\x /a/b/x, link/../y/ /a/y, no/./z/../y/ /no/y, a//b/ /a/b, loop/x/../y /loop/x/../y");
-    for (Words& row : rows)
-        row[1].insert(0, folder.path());
-    rows.insert(rows.end(), {{"", ""}, {"//", "/"}});
-    for (Words const& row : rows)
+    ResolveRow const rows[] = {
+        {".", ""},         {"link\\x", "/a/b/x"},          {"link/../y/", "/a/y"}, {"no/./z/../y/", "/no/y"},
+        {"a//b/", "/a/b"}, {"loop/x/../y", "/loop/x/../y"}};
+    for (ResolveRow const& row : rows)
     {
-        std::string path = row[0];
+        std::string path = row.m_path;
         NEBFmDir::resolveEffectivePath(path);
-        EXPECT_EQ(row, (Words{row[0], path}));
+        EXPECT_EQ(folder.path() + row.m_below, path) << row.m_path;
     }
+    std::string empty, root = "//", relative = "x.zip";
+    NEBFmDir::resolveEffectivePath(empty);
+    NEBFmDir::resolveEffectivePath(root);
+    EXPECT_EQ("", empty);
+    EXPECT_EQ("/", root);
     std::filesystem::remove_all(folder.path());
-    std::string path = "x.zip";
-    NEBFmDir::resolveEffectivePath(path);
-    EXPECT_EQ("./x.zip", path) << "without a current directory";
+    NEBFmDir::resolveEffectivePath(relative);
+    EXPECT_EQ("./x.zip", relative) << "without a current directory";
 }
 }  // namespace

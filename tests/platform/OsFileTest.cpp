@@ -305,17 +305,6 @@ TEST_F(OsPlacedFileTest, ForkedChildNeitherPlacesNorRemoves)
     EXPECT_EQ("", readAll(m_target));
 }
 
-TEST_F(OsPlacedFileTest, NameIsRandomWithoutGetrandom)
-{
-    Calls calls;
-    calls.m_name = "getrandom";
-    calls.m_error = ENOSYS;
-    OsPlacedFile file;
-    ASSERT_TRUE(file.create(m_target, 0666));
-    EXPECT_THAT(file.getPath(), testing::MatchesRegex(".*/[.]arx-[0-9a-f]{16}"));
-    EXPECT_THAT(file.getPath(), testing::Not(testing::HasSubstr("0000000000")));
-}
-
 TEST_F(OsPlacedFileTest, WriteThatTakesNothingFails)
 {
     OsFile file;
