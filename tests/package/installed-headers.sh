@@ -1,17 +1,31 @@
 #!/bin/sh
-# Every header under PREFIX compiles alone from what is installed, and includes nothing but the C++ library, minizip and
-# its own kind: no header of the operating system or of OpenSSL. All together they compile as C++20 and 23 too.
-# Usage: installed-headers.sh PREFIX
+# Every header under PREFIX compiles alone from what is installed, and so does the example in its comment. It includes
+# nothing but the C++ library, minizip and its own kind: no header of the operating system or of OpenSSL. All together
+# they compile as C++20 and 23 too. Usage: installed-headers.sh PREFIX
 set -eu
 cd "$1/include/ArxiumCommon"
 foreign=$(grep -rn '^ *# *include *<' . | grep -vE '<([a-z_]+|minizip/(zip|unzip|ioapi)\.h)>' || true)
 [ -z "$foreign" ] || { echo "$foreign"; exit 1; }
-check="-Wall -Wextra -Wconversion -Wshadow -Werror -fsyntax-only -I. -x c++ -"
+
+print_example() {
+    awk '/^\/\/ Example:$/ { inside = 1; next } !/^\/\/(    |$)/ { inside = 0 } inside { sub("^// *", ""); print }' "$1"
+}
+sources=$(mktemp -d)
+trap 'rm -rf "$sources"' EXIT
 headers=$(find . -name '*.h' | LC_ALL=C sort | sed 's|^\./||')
 for header in $headers; do
-    echo "#include \"$header\"" | "$CXX" -std=c++17 $check || { echo "$header does not compile alone"; exit 1; }
+    {
+        echo "#include \"$header\""
+        print_example "$header" | sed -n '/^#include/p'
+        echo "void example() {"
+        print_example "$header" | sed '/^#include/d'
+        echo "}"
+    } > "$sources/$(basename "$header").cpp"
 done
+check="-Wall -Wextra -Wconversion -Wshadow -Werror -fsyntax-only -I."
+find "$sources" -name '*.cpp' -print0 |
+    xargs -0 -n 4 -P "$(nproc)" "$CXX" -std=c++17 $check -Wno-unused -Wno-nonnull
 for standard in c++20 c++2b; do
-    printf '#include "%s"\n' $headers | "$CXX" -std=$standard $check ||
+    printf '#include "%s"\n' $headers | "$CXX" -std=$standard $check -x c++ - ||
         { echo "the headers do not compile as $standard"; exit 1; }
 done
