@@ -20,7 +20,7 @@ import tempfile
 import typing
 import zipfile
 
-LIMIT = 150
+LIMIT = 100
 NAME, SHIM, ARXHOST, CLASSES = sys.argv[1], *map(os.path.abspath, sys.argv[2:])
 TREE = {"a": b"old contents", "b/c": os.urandom(20000) + bytes(180000)}
 SHIM_KINDS = {"allocation": "allocations", "memory": "allocations", "transfer": "transfers"}
@@ -107,8 +107,11 @@ def strike(scene, command, fault, expected=None):
     with tempfile.TemporaryDirectory() as place:
         folder, report, log = (pathlib.Path(place, name) for name in ("run", "report", "log"))
         shutil.copytree(scene, folder)
-        settings = {"LD_PRELOAD": SHIM} if NAME in ROWS else {"FAULT_WAITS": "1"}
-        settings["FAULT_REPORT"] = str(report)
+        settings = {"FAULT_REPORT": str(report), "LD_LIBRARY_PATH": os.path.dirname(SHIM)}
+        if NAME in ROWS:
+            settings["LD_PRELOAD"] = os.path.basename(SHIM)  # a path must have no blanks
+        else:
+            settings["FAULT_WAITS"] = "1"
         if fault.kind in SHIM_KINDS:
             result = run(command, folder, ROW.stdin, **settings, FAULT=f"{fault.kind}:{fault.point}")
         else:
