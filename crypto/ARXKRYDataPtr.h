@@ -1,4 +1,4 @@
-// Owner of memory that the crypto interface handed out through a handle.
+// Owner of memory that the crypto interface returned through a handle. For one thread at a time.
 
 #ifndef ARXIUM_CRYPTO_ARXKRYDATAPTR_H
 #define ARXIUM_CRYPTO_ARXKRYDATAPTR_H
@@ -14,7 +14,7 @@ public:
     ARXKRYDataPtr(ARXSimpleKRYHandleI* handle, char* data);
     ~ARXKRYDataPtr() override;
 
-    // By the handle's cryptoFree.
+    // Frees by the handle's cryptoFree.
     void destroy(char* pointer) override;
 
 private:

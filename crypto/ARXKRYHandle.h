@@ -10,7 +10,7 @@ class ARXKRYHandle final : public ARXKRYHandleI
 public:
     // Opens nothing.
     ARXKRYHandle();
-    // Closes the session; a failure of that is lost.
+    // Closes the session, and discards a failure of that.
     ~ARXKRYHandle() override;
 
     ARXKRYHandle(ARXKRYHandle const&) = delete;
@@ -22,7 +22,7 @@ public:
                                void* extra) override;
     std::int32_t getInfo(void* first, void* second, void* third) override;
     std::int32_t cryptoFree(void* memory, void* extra) override;
-    // An open session that can't be closed is kept, and no new one opened.
+    // Keeps an open session that can't be closed, and opens no new one.
     void persistentInitialize(char const* cnfgDoc, void* extra) override;
     void setInfo(char const* infoDoc, void* extra) override;
 

@@ -54,7 +54,7 @@ ARXKRYHandleFactoryWorker::ARXKRYHandleFactoryWorker() : m_criticalSection(0) {}
 
 ARXKRYHandleFactoryWorker::~ARXKRYHandleFactoryWorker()
 {
-    // Without the lock: nobody else may be here any more. No resource lets anything out of its destructor.
+    // Without the lock: no other thread may use the worker any more. No resource's destructor raises.
     for (auto const& entry : m_handleResources)
         delete entry.second;
 }
@@ -96,7 +96,7 @@ ARXKRYHandleFactoryWorker::HandleResource& ARXKRYHandleFactoryWorker::getHandleR
     std::unique_ptr<HandleResource> owner(made);
     made->initHandle(cnfgDoc, infoDoc);
 
-    // The place in the map comes before the owner lets go, so that a lack of memory leaks no session.
+    // The map has a place before the owner gives the session up, so a lack of memory leaks none.
     HandleResource** place = nullptr;
     NEB_NEW(place, &m_handleResources[key]);
     *place = owner.release();

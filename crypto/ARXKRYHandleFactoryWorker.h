@@ -1,7 +1,16 @@
-// The library's maker of crypto handles, which keeps one open session for each pair of documents.
+// The library's maker of crypto handles. Keeps one open session for each pair of documents.
 //
-// Any number of threads may call at once. Sessions are closed only by the destructor, so all simple handles
-// end before it, and the crypto interface must still be up then.
+// Any number of threads may call at once. Only the destructor closes sessions: destroy all simple handles
+// before it, and stop the crypto interface after it. Arxium makes one at the first start; hosts need none of
+// their own.
+//
+// Example:
+//     #include "crypto/ARXKRYHandleFactory.h"
+//     #include "crypto/ARXKRYHandleI.h"
+//     static ARXKRYHandleFactoryWorker s_worker;  // of a host that starts without Arxium
+//     ARXKRYHandleFactory::setFactoryWorker(&s_worker);
+//     ARXKRYHandleFactory::destroyHandle(ARXKRYHandleFactory::createHandle());
+//     ARXKRYHandleFactory::setFactoryWorker(nullptr);
 
 #ifndef ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKER_H
 #define ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKER_H
@@ -21,19 +30,18 @@ public:
     {
     public:
         HandleResource();
-        // Closes the session, if there is one; a failure of that is lost.
+        // Closes the session, if there is one, and discards a failure of that.
         ~HandleResource();
 
         HandleResource(HandleResource const&) = delete;
         HandleResource& operator=(HandleResource const&) = delete;
 
-        // Opens the session and sets it up; once, before another thread can reach this object. Raises
-        // ARXException if the crypto interface refuses either document, and leaves an open session to the
-        // destructor.
+        // Opens the session and sets it up. Called once, before another thread can reach this object. Raises
+        // ARXException if the crypto interface refuses a document; the destructor then closes the session.
         void initHandle(char const* cnfgDoc, char const* infoDoc);
 
-        // The variable, not its value: it is read at each call on the session. Raises NEBAssertError while it
-        // is null.
+        // Returns the variable, not its value: it is read at each call on the session. Raises NEBAssertError
+        // while it is null.
         void*& getKryHandle();
         NEBThreadCriticalSection& getCriticalSection();
 
@@ -53,9 +61,8 @@ public:
     void destroyHandle(ARXSimpleKRYHandleI* handle) override;
 
 protected:
-    // The session of that pair of documents, set up on first use while all other callers wait. Pairs are told
-    // apart by the CRC-32 of both texts alone: two of equal checksum share the session of the one that came
-    // first.
+    // Returns the session of that pair of documents. The first use sets it up while all other callers wait.
+    // The CRC-32 of both texts alone identifies a pair: two of equal checksum share the session of the first.
     HandleResource& getHandleResource(char const* cnfgDoc, char const* infoDoc);
 
 private:

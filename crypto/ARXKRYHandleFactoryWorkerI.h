@@ -1,4 +1,9 @@
-// The maker of crypto handles behind ARXKRYHandleFactory. Any number of threads may call at once.
+// What makes the crypto handles that ARXKRYHandleFactory returns. Any number of threads may call at once.
+//
+// Example:
+//     #include "crypto/ARXKRYHandleI.h"
+//     auto const useBriefly = [](ARXKRYHandleFactoryWorkerI& maker) {
+//     maker.destroyHandle(maker.createHandle()); }; static_cast<void>(useBriefly);
 
 #ifndef ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKERI_H
 #define ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKERI_H
@@ -14,12 +19,12 @@ public:
     // The virtual operations keep this order: it is the order of their slots.
     virtual ~ARXKRYHandleFactoryWorkerI() {}
 
-    // A handle on the session that is shared by all who ask with this pair of documents. Both forms give an
-    // object that the caller returns by destroyHandle, never null, or raise.
+    // Returns a handle on the session that all share who ask with this pair of documents. Both forms return
+    // an object, never null, which the caller ends by destroyHandle, or raise.
     virtual ARXSimpleKRYHandleI* createHandle(char const* cnfgDoc, char const* infoDoc) = 0;
-    // A handle with a session of its own, not open yet.
+    // Returns a handle with a session of its own, not open yet.
     virtual ARXKRYHandleI* createHandle() = 0;
-    // Null does nothing.
+    // Destroys a handle of either form; null does nothing.
     virtual void destroyHandle(ARXSimpleKRYHandleI* handle) = 0;
 };
 

@@ -18,7 +18,7 @@ void setSessionInfo(void* session, char const* infoDoc, void* extra, NEBFileLoca
     if (KRY_SUCCEEDED(KRY_SetInfo(session, infoDoc, extra)))
         return;
 
-    // KRY_SetInfo hands out no details itself.
+    // KRY_SetInfo itself returns no details.
     char* details = nullptr;
     callForDetails(details, KRY_CryptoGetLastErrorDetails, session, nullptr);
     raiseWithDetails(where, details, operation);

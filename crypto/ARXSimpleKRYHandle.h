@@ -1,6 +1,5 @@
-// A handle on a session that others share: each call on it holds the session's lock.
-//
-// Any number of threads may use it. It is valid as long as the worker that made it.
+// A handle on a shared session. Each call holds the session's lock, so any number of threads may use it. It
+// is valid as long as the worker that made it.
 
 #ifndef ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLE_H
 #define ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLE_H
@@ -11,7 +10,7 @@
 class ARXSimpleKRYHandle final : public ARXSimpleKRYHandleI
 {
 public:
-    // Borrows both.
+    // Both must outlive the handle.
     ARXSimpleKRYHandle(void*& session, NEBThreadCriticalSection& lock);
     // Leaves the session open.
     ~ARXSimpleKRYHandle() override;
@@ -28,7 +27,7 @@ public:
     std::int32_t cryptoFree(void* memory, void* extra) override;
 
 private:
-    void*& m_kryHandle;  // read afresh at each call
+    void*& m_kryHandle;  // read at each call
     NEBThreadCriticalSection& m_criticalSection;
 };
 

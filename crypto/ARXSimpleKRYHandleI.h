@@ -1,8 +1,18 @@
-// A crypto session as its users see it: set up already, and not to be changed.
+// A crypto session that is set up already. Its users can't change it.
 //
-// protectData, unprotectData and getInfo give a status, 0 or more for success; they raise only for
-// sizes beyond 32 bits (NEBException). extra is reserved and null. Which threads may call is told by the
-// source of the handle (ARXKRYHandleFactory).
+// protectData, unprotectData and getInfo return a status, 0 or more for success; they raise NEBException only
+// for sizes beyond 32 bits. extra is reserved and null. Sizes are in bytes. ARXKRYHandleFactory says which
+// threads may call.
+//
+// Example:
+//     auto const readService = [](ARXSimpleKRYHandleI& handle)
+//     {
+//         char name[] = "serviceID";
+//         char* text = nullptr;
+//         handle.getInfo(name, &text, nullptr);
+//         handle.cryptoFree(text, nullptr);
+//     };
+//     static_cast<void>(readService);
 
 #ifndef ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEI_H
 #define ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEI_H
@@ -18,18 +28,17 @@ public:
     // The virtual operations keep this order: it is the order of their slots.
     virtual ~ARXSimpleKRYHandleI() {}
 
-    // Sends size bytes, which may be 0, at most 4294967295 in one call. What that does, a signature or a
-    // piece of a file, was set up before. Both out values start as 0; *outSize, in bytes, is written on
-    // failure too, and *outData goes back by cryptoFree, also on failure.
+    // Signs size bytes, or appends them to a file, as the session is set up. size is at most 4294967295 and
+    // may be 0. Set *outData to null before. *outSize is written on failure too. Free *outData by cryptoFree,
+    // also after a failure.
     virtual std::int32_t protectData(char const* data, std::size_t size, char** outData, std::size_t* outSize,
                                      void* extra) = 0;
-    // The way back. *outSize also passes a value in, which the crypto interface is given.
+    // The inverse of protectData. On entry *outSize is the most bytes wanted; 0 means one segment.
     virtual std::int32_t unprotectData(char const* data, std::size_t size, char** outData,
                                        std::size_t* outSize, void* extra) = 0;
-    // Passes its arguments to KRY_GetInfo as they are.
+    // Passes its arguments to KRY_GetInfo as they are: a name, the address of a char* for the text, null.
     virtual std::int32_t getInfo(void* first, void* second, void* third) = 0;
-    // Gives back what protectData, unprotectData or getInfo handed out; null does nothing. The result says
-    // nothing that a caller could act on.
+    // Frees what protectData, unprotectData or getInfo returned; null does nothing. The result needs no look.
     virtual std::int32_t cryptoFree(void* memory, void* extra) = 0;
 };
 

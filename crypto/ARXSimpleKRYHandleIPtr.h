@@ -1,4 +1,4 @@
-// Owner of a handle, which goes back to ARXKRYHandleFactory.
+// Owner of a handle, which ARXKRYHandleFactory destroys. For one thread at a time.
 
 #ifndef ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEIPTR_H
 #define ARXIUM_CRYPTO_ARXSIMPLEKRYHANDLEIPTR_H
@@ -9,7 +9,7 @@
 class ARXSimpleKRYHandleIPtr final : public NEBAutoFactoryPointer<ARXSimpleKRYHandleI>
 {
 public:
-    // Owns handle, which may be null. Behind the last stop of the library it can't be given back and is lost.
+    // Owns handle, which may be null. After the last stop of the library it can't be destroyed and is lost.
     explicit ARXSimpleKRYHandleIPtr(ARXSimpleKRYHandleI* handle);
     ~ARXSimpleKRYHandleIPtr() override;
 

@@ -1,7 +1,6 @@
-// Single owner of an object that goes back to whoever made it instead of being deleted. For one scope and
-// thread.
+// Single owner of an object that its maker destroys. For one scope and thread.
 //
-// The base's destructor can't reach destroy any more, so a subclass empties the guard by giveBack in its own.
+// The destructor of this base can't call destroy any more, so the destructor of each subclass calls giveBack.
 
 #ifndef ARXIUM_PROD_SMARTPOINTERS_NEBAUTOFACTORYPOINTER_H
 #define ARXIUM_PROD_SMARTPOINTERS_NEBAUTOFACTORYPOINTER_H
@@ -23,11 +22,11 @@ public:
     NEBAutoFactoryPointer(NEBAutoFactoryPointer const&) = delete;
     NEBAutoFactoryPointer& operator=(NEBAutoFactoryPointer const&) = delete;
 
-    // Gives pointer back to its maker. Slot 1.
+    // Returns pointer to its maker. Slot 1.
     virtual void destroy(T* pointer) = 0;
 
-    // Destroys what is held, null too, unless it is pointer itself, and holds pointer. If destroy raises, the
-    // guard is empty and pointer still the caller's.
+    // Destroys what is held, null too, unless it is pointer itself, and then holds pointer. If destroy
+    // raises, the guard is empty and the caller still owns pointer.
     void reset(T* pointer)
     {
         T* const held = NEBAutoPointer<T>::release();
@@ -37,7 +36,7 @@ public:
     }
 
 protected:
-    // What the destructor of every subclass does. What destroy raises is discarded, and the object given up.
+    // For the destructor of every subclass. Discards what destroy raises, and gives the object up.
     void giveBack() noexcept
     {
         try
