@@ -11,7 +11,11 @@ struct ARXKRYHandleFactoryWorkerTest : RecordedTest
 {
     ARXKRYHandleFactoryWorkerTest() { Arxium::initialize(false); }
     ~ARXKRYHandleFactoryWorkerTest() override { Arxium::terminate(); }
-    void restart() { Arxium::terminate(), Arxium::initialize(false); }
+    void restart()
+    {
+        Arxium::terminate();
+        Arxium::initialize(false);
+    }
 };
 
 void use(char const* cnfgDoc, char const* infoDoc)
@@ -21,7 +25,7 @@ void use(char const* cnfgDoc, char const* infoDoc)
 }
 }  // namespace
 
-TEST_F(ARXKRYHandleFactoryWorkerTest, OnePairOfTextsIsSetUpOnceAndClosedByTheStopInOrderOfTheKeys)
+TEST_F(ARXKRYHandleFactoryWorkerTest, SetsUpEachPairOfTextsOnce)
 {
     // The checksum of the joined texts is the only identity: "cnfginfo" ffbde6d8, "cnfgother" a46b9f46, "" 0.
     use("cnfg", "info");
@@ -49,7 +53,7 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, OnePairOfTextsIsSetUpOnceAndClosedByTheSto
     EXPECT_EQ(expected, m_recorder.takeCalls());
 }
 
-TEST_F(ARXKRYHandleFactoryWorkerTest, AFailedSetUpLeavesNothingBehindAndIsTriedAgain)
+TEST_F(ARXKRYHandleFactoryWorkerTest, TriesAgainAfterAFailedSetUp)
 {
     std::string const thrown =
         "ARXException: reason | crypto/ARXKRYHandleFactoryWorker.cpp NEB_THROW "
@@ -78,21 +82,33 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, AFailedSetUpLeavesNothingBehindAndIsTriedA
     }
 }
 
-TEST_F(ARXKRYHandleFactoryWorkerTest, RefusesNullSessionsNullDocumentsAndEverythingWithoutAWorker)
+TEST_F(ARXKRYHandleFactoryWorkerTest, RefusesWhatItCanNotServe)
+{
+    struct
+    {
+        char const* m_name;
+        void (*m_call)();
+        char const* m_assertion;
+    } const rows[] = {
+        {"NullSession", [] { use("cnfg", "info"); }, "_NAMED(m_kryHandle, \"KRY handle not initialized\");"},
+        {"NullSessionAgain", [] { use("cnfg", "info"); },
+         "_NAMED(m_kryHandle, \"KRY handle not initialized\");"},
+        {"NullDocuments", [] { use(nullptr, nullptr); }, "(cnfgDoc);"},
+        {"NullInfo", [] { use("cnfg", nullptr); }, "(infoDoc);"},
+    };
+    m_recorder.failCall("KRY_PersistentInitialize", 1, Fault::NullSession);
+    for (auto const& row : rows)
+        EXPECT_EQ(std::string("NEBAssertError: NEB_ASSERT") + row.m_assertion, raisedBy(row.m_call).at(0))
+            << row.m_name;
+    EXPECT_EQ((Lines{"KRY_PersistentInitialize cnfg", "KRY_SetInfo null info"}), m_recorder.takeCalls());
+}
+
+TEST_F(ARXKRYHandleFactoryWorkerTest, TheFactoryRefusesAllWithoutAWorker)
 {
     ARXKRYHandleFactory::destroyHandle(nullptr);
-    m_recorder.failCall("KRY_PersistentInitialize", 1, Fault::NullSession);
-    std::string const none = "_NAMED(m_kryHandle, \"KRY handle not initialized\");", noWorker = "(m_worker);";
-    std::pair<void (*)(), std::string> const rows[] = {
-        {[] { use("cnfg", "info"); }, none},
-        {[] { use("cnfg", "info"); }, none},
-        {[] { use(nullptr, nullptr); }, "(cnfgDoc);"},
-        {[] { use("cnfg", nullptr); }, "(infoDoc);"},
-        {[] { ARXKRYHandleFactory::setFactoryWorker(nullptr), use("cnfg", "info"); }, noWorker},
-        {[] { ARXKRYHandleFactory::createHandle(); }, noWorker},
-        {[] { ARXKRYHandleFactory::destroyHandle(nullptr); }, noWorker},
-    };
-    for (auto const& [call, text] : rows)
-        EXPECT_EQ("NEBAssertError: NEB_ASSERT" + text, raisedBy(call).at(0));
-    EXPECT_EQ((Lines{"KRY_PersistentInitialize cnfg", "KRY_SetInfo null info"}), m_recorder.takeCalls());
+    ARXKRYHandleFactory::setFactoryWorker(nullptr);
+    void (*const calls[])() = {[] { use("cnfg", "info"); }, [] { ARXKRYHandleFactory::createHandle(); },
+                               [] { ARXKRYHandleFactory::destroyHandle(nullptr); }};
+    for (auto* const call : calls)
+        EXPECT_EQ("NEBAssertError: NEB_ASSERT(m_worker);", raisedBy(call).at(0));
 }

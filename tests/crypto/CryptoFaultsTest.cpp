@@ -74,7 +74,7 @@ Lines useEverything()
 
 }  // namespace
 
-TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnythingOrLeavesALockBehind)
+TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnything)
 {
     std::pair<std::string, int> const functions[] = {
         // with the least number of calls that a run makes
@@ -116,7 +116,7 @@ TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnythingOrLeavesALockBehind)
     EXPECT_LE(200, points);
 }
 
-TEST_F(CryptoFaultsTest, ManyThreadsShareOneSessionForEachPairAndNeverMeetOnIt)
+TEST_F(CryptoFaultsTest, CallsOfManyThreadsNeverMeetOnASession)
 {
     Arxium::initialize(false);
     auto const work = [](int)

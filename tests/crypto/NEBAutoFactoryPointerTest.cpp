@@ -28,7 +28,7 @@ struct Guard final : NEBAutoFactoryPointer<int>
 };
 }  // namespace
 
-TEST(NEBAutoFactoryPointer, GivesBackOnceAndTellsOfWhatIsLeft)
+TEST(NEBAutoFactoryPointer, DestroysOnceOrReportsWhatIsLeft)
 {
     std::string const left =
         "NEBAssertError: NEB_ASSERT_NAMED(!NEBAutoPointer<T>::get(), \"auto_ptr must be NULL\");"
