@@ -1,5 +1,4 @@
 #include "platform/KRYStarted.h"
-#include "support/Rows.h"
 
 namespace
 {
@@ -55,32 +54,30 @@ DocumentCase const s_setUps[] = {
      s_elements},
 };
 
-struct KRYStartDocument : testing::TestWithParam<DocumentCase>
-{
-};
-
-struct KRYSetUpDocument : KRYStarted, testing::WithParamInterface<DocumentCase>
-{
-};
 }  // namespace
 
-TEST_P(KRYStartDocument, IsRefusedWithItsReason)
+TEST_F(KRYStarted, RefusedStartsTellWhy)
 {
-    char* details = nullptr;
-    EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_CryptoInitialize(GetParam().m_document, nullptr, &details));
-    EXPECT_EQ("document refused: " + std::string(GetParam().m_reason), taken(details));
+    for (DocumentCase const& row : s_starts)
+    {
+        char* details = nullptr;
+        EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_CryptoInitialize(row.m_document, nullptr, &details)) << row.m_name;
+        EXPECT_EQ("document refused: " + std::string(row.m_reason), taken(details)) << row.m_name;
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Documents, KRYStartDocument, testing::ValuesIn(s_starts), RowName());
 
-TEST_P(KRYSetUpDocument, IsRefusedWithoutAnEffect)
+TEST_F(KRYStarted, RefusedSetUpsChangeNothing)
 {
     KRYTestSession session;
     ASSERT_EQ(KRY_SUCCESS, session.sign());
-    EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_SetInfo(session.m_session, GetParam().m_document, nullptr));
-    EXPECT_EQ(KRY_SUCCESS, session.protect("data"));
-    EXPECT_EQ("document refused: " + std::string(GetParam().m_reason), session.lastFailure());
+    for (DocumentCase const& row : s_setUps)
+    {
+        SCOPED_TRACE(row.m_name);
+        EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_SetInfo(session.m_session, row.m_document, nullptr));
+        EXPECT_EQ(KRY_SUCCESS, session.protect("data"));
+        EXPECT_EQ("document refused: " + std::string(row.m_reason), session.lastFailure());
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Documents, KRYSetUpDocument, testing::ValuesIn(s_setUps), RowName());
 
 TEST(KRYServiceID, HasAtMost255Bytes)
 {

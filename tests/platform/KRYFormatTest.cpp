@@ -8,7 +8,6 @@
 
 #include "KRY_Crypto_Interface/KRYSegmentCipher.h"
 #include "platform/KRYStarted.h"
-#include "support/Rows.h"
 #include "support/TemporaryFolder.h"
 
 namespace
@@ -49,9 +48,6 @@ struct SignatureCase
     char const* m_data;
     char const* m_signature;
 };
-struct KRYSignature : KRYFormat, testing::WithParamInterface<SignatureCase>
-{
-};
 SignatureCase const s_signatures[] = {
     {"Name", "report.pdf", "4025e1c1f89a1526cb758f72e8a9932e4614de70ceb606d1bbdf75ce5f7b00b3"},
     {"NameThenSession", "report.pdf/0123456789abcdef",
@@ -63,9 +59,6 @@ struct FileCase
     char const* m_name;
     std::size_t m_size;
     char const* m_sha256;
-};
-struct KRYSealedFile : KRYFormat, testing::WithParamInterface<FileCase>
-{
 };
 FileCase const s_files[] = {
     {"Empty", 0, "bc2b4e00fe65e3de0eb107b1a285ea081640214418d9d2b6dacc4db876059bb2"},
@@ -80,9 +73,6 @@ struct NonceCase
     std::uint64_t m_number;
     bool m_isLast;
     char const* m_nonce;
-};
-struct KRYNonce : testing::TestWithParam<NonceCase>
-{
 };
 NonceCase const s_nonces[] = {
     {"First", 0, false, "000000000000000000000000"},
@@ -102,31 +92,35 @@ __attribute__((visibility("default"))) int RAND_bytes(unsigned char* target, int
     return 1;
 }
 
-TEST_P(KRYSignature, IsTheSameOnEveryMachine)
+TEST_F(KRYFormat, OfSignaturesIsTheSameOnEveryMachine)
 {
     KRYTestSession session("TALM");
-    std::string signature;
     ASSERT_EQ(KRY_SUCCESS, session.sign());
-    EXPECT_EQ(KRY_SUCCESS, session.protect(GetParam().m_data, &signature));
-    EXPECT_EQ(GetParam().m_signature, hex(signature));
+    for (SignatureCase const& row : s_signatures)
+    {
+        std::string signature;
+        EXPECT_EQ(KRY_SUCCESS, session.protect(row.m_data, &signature));
+        EXPECT_EQ(row.m_signature, hex(signature)) << row.m_name;
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Vectors, KRYSignature, testing::ValuesIn(s_signatures), RowName());
 
-TEST_P(KRYSealedFile, IsTheSameOnEveryMachine)
+TEST_F(KRYFormat, OfFilesIsTheSameOnEveryMachine)
 {
     KRYTestSession session;
-    ASSERT_EQ(KRY_SUCCESS, session.cipher(m_folder / "file"));
-    EXPECT_EQ(KRY_SUCCESS, session.protect(bytesFrom(0, GetParam().m_size, 251)));
-    EXPECT_EQ(KRY_SUCCESS, session.finish());
-    std::string const sealed = readAll(m_folder / "file");
-    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest;
-    SHA256(reinterpret_cast<unsigned char const*>(sealed.data()), sealed.size(), digest.data());
-    EXPECT_EQ(GetParam().m_sha256, hex(digest));
+    for (FileCase const& row : s_files)
+    {
+        ASSERT_EQ(KRY_SUCCESS, session.cipher(m_folder / "file"));
+        EXPECT_EQ(KRY_SUCCESS, session.protect(bytesFrom(0, row.m_size, 251)));
+        EXPECT_EQ(KRY_SUCCESS, session.finish());
+        std::string const sealed = readAll(m_folder / "file");
+        std::array<unsigned char, SHA256_DIGEST_LENGTH> digest;
+        SHA256(reinterpret_cast<unsigned char const*>(sealed.data()), sealed.size(), digest.data());
+        EXPECT_EQ(row.m_sha256, hex(digest)) << row.m_name;
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Vectors, KRYSealedFile, testing::ValuesIn(s_files), RowName());
 
-TEST_P(KRYNonce, HoldsTheWholeNumber)
+TEST_F(KRYFormat, OfNoncesHoldsTheWholeNumber)
 {
-    EXPECT_EQ(GetParam().m_nonce, hex(KRYSegmentCipher::makeNonce(GetParam().m_number, GetParam().m_isLast)));
+    for (NonceCase const& row : s_nonces)
+        EXPECT_EQ(row.m_nonce, hex(KRYSegmentCipher::makeNonce(row.m_number, row.m_isLast))) << row.m_name;
 }
-INSTANTIATE_TEST_SUITE_P(Vectors, KRYNonce, testing::ValuesIn(s_nonces), RowName());

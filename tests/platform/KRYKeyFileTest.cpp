@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include "platform/KRYStarted.h"
-#include "support/Rows.h"
 
 namespace
 {
@@ -34,9 +33,6 @@ struct KeyFileCase
     mode_t m_mode;
     char const* m_reason;  // empty: accepted
 };
-struct KRYKeyFileRules : KRYKeyFile, testing::WithParamInterface<KeyFileCase>
-{
-};
 char const s_size[] = " does not hold 1 to 64 keys of 32 bytes";
 char const s_open[] = " is open to group or others";
 KeyFileCase const s_keyFiles[] = {
@@ -62,13 +58,15 @@ std::string signatureUnderFoundKey()
 }
 }  // namespace
 
-TEST_P(KRYKeyFileRules, AreKept)
+TEST_F(KRYKeyFile, KeepsItsRules)
 {
-    std::string const path = m_folder / "key", reason = GetParam().m_reason;
-    writeFile(path, std::string(GetParam().m_size, 'k'), GetParam().m_mode);
-    EXPECT_EQ(reason.empty() ? "" : "key file " + path + reason, reasonFor(path));
+    for (KeyFileCase const& row : s_keyFiles)
+    {
+        std::string const path = m_folder / row.m_name, reason = row.m_reason;
+        writeFile(path, std::string(row.m_size, 'k'), row.m_mode);
+        EXPECT_EQ(reason.empty() ? "" : "key file " + path + reason, reasonFor(path));
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Files, KRYKeyFileRules, testing::ValuesIn(s_keyFiles), RowName());
 
 TEST_F(KRYKeyFile, IsARegularFileOfItsUser)
 {
