@@ -10,7 +10,7 @@
 namespace
 {
 constexpr std::uint64_t s_segmentSize = KRYFileHeader::s_segmentSize;
-constexpr std::uint64_t s_tagSize = KRYFileHeader::s_tagSize;
+constexpr std::size_t s_tagSize = KRYFileHeader::s_tagSize;
 constexpr std::uint64_t s_sealedSize = s_segmentSize + s_tagSize;
 constexpr std::uint64_t s_none = ~std::uint64_t{0};  // number of no segment
 constexpr char s_cutOff[] = "the encrypted file is cut off";
