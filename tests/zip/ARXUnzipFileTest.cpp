@@ -54,7 +54,7 @@ ToolRow const s_tools[] = {
     {"Zip", "cd t && zip -r ../out.zip .", true},
     {"ZipToAPipeAfterOtherBytes", "cd t && (echo front; zip -r - . | cat) >../out.zip", true},
     {"Bsdtar", "cd t && bsdtar -a -cf ../out.zip .", true},
-    {"Encrypted", "cd t && zip -P secret -r ../out.zip .", false},
+    {"Encrypted", "cd t && zip -0 -P secret -r ../out.zip .", false},
     {"ForeignMethod", "7z a -tzip -mm=BZip2 out.zip ./t/.", false},
 };
 INSTANTIATE_TEST_SUITE_P(Tools, ArchiveOfATool, testing::ValuesIn(s_tools), RowName());
@@ -158,6 +158,16 @@ TEST_F(ARXUnzipFileTest, RefusesATargetThatIsNoFolder)
     makeArchive({"a"});
     EXPECT_FALSE(ARXUnzipFile::unzip("out.zip", "", false));
     EXPECT_FALSE(ARXUnzipFile::unzip("out.zip", "out.zip/x", false));
+}
+
+// Patch data, strong encryption, masked directory: minizip would give raw bytes.
+TEST_F(ARXUnzipFileTest, RefusesFlagsThatItCantRead)
+{
+    for (char const* flags : {"\x20", "\x40", "\x02\x20"})
+    {
+        makeArchive({"a"}, {{8, flags}});
+        EXPECT_FALSE(ARXUnzipFile::unzip("out.zip", "to", false));
+    }
 }
 
 TEST_F(ARXUnzipFileTest, NoEntryReplacesTheArchiveItself)

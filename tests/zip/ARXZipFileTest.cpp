@@ -276,8 +276,11 @@ TEST_F(ARXZipFileTest, WritesTheSameBytesEverywhere)
     m_archive.addFile(I18NString(".\\f"), I18NString("."));
     m_archive.close();
     std::string hex;
-    for (unsigned char const byte : readAll("out.zip"))
+    for (char const c : readAll("out.zip"))
+    {
+        unsigned const byte = static_cast<unsigned char>(c);
         hex += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
+    }
     EXPECT_EQ(
         "504b0304140000000000000000001c3af5cb050000000500000004000000612fc3a93132333435"
         "504b03041400000008006a1d6f5700000000020000000000000001000000660300"
