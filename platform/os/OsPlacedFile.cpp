@@ -108,10 +108,9 @@ std::string OsPlacedFile::getFailure() const
 bool OsPlacedFile::createTemporary(unsigned mode, bool isExact)
 {
     std::string name;
-    // At no moment more may open the file than in the end.
-    if (!makeRandomName(name) ||
-        !m_file.open(m_directory, name.c_str(), OsFile::s_write | OsFile::s_create | OsFile::s_exclusive,
-                     isExact ? mode & 0600 : mode))
+    // fchmod only restores what the umask took, so that at no moment more may open the file than in the end.
+    if (!makeRandomName(name) || !m_file.open(m_directory, name.c_str(),
+                                              OsFile::s_write | OsFile::s_create | OsFile::s_exclusive, mode))
         return false;
     m_temporaryName = std::move(name);
     return !isExact || m_file.setPermissions(mode);

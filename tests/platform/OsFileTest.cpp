@@ -41,6 +41,7 @@ struct Calls
     std::string m_name;
     int m_failing = 1;
     int m_error = 0;
+    unsigned m_createdMode = 0;  // of the last openat
     static Calls* s_active;
 };
 Calls* Calls::s_active = nullptr;
@@ -63,6 +64,8 @@ extern "C"
         va_start(list, flags);
         auto const mode = va_arg(list, mode_t);
         va_end(list);
+        if (Calls::s_active)
+            Calls::s_active->m_createdMode = mode;
         return static_cast<int>(pass("openat", SYS_openat, directory, path, flags, mode));
     }
     ssize_t read(int file, void* data, size_t size)
@@ -252,7 +255,9 @@ TEST_P(OsPlacedFilePermissions, AreThoseOfTheReplacedFileOrTheGivenOnes)
         writeOld(row.m_old);
     ::umask(row.m_umask);
     OsPlacedFile file;
+    Calls calls;
     ASSERT_TRUE(file.create(m_target, row.m_mode)) << file.getFailure();
+    EXPECT_EQ(0u, calls.m_createdMode & ~row.m_umask & ~row.m_expected) << "wider at first";
     EXPECT_EQ(row.m_expected, permissionsOf(file.getPath()));
     ASSERT_TRUE(file.replace()) << file.getFailure();
     EXPECT_EQ(row.m_expected, permissionsOf(m_target));
