@@ -1,47 +1,200 @@
-#include "host/ArchiveInput.h"
+#include "ArchiveInput.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cerrno>
+#include <vector>
 
-#include "host/Failure.h"
+#include <sys/stat.h>
+
+#include "Failure.h"
+#include "InputFile.h"
+#include "Interrupt.h"
+#include "NEBCore/NEBUtCrc32.h"
+#include "path/ARXFmDir.h"
 
 namespace
 {
-std::string readStandardInput()
+std::size_t constexpr s_pieceSize = 65536;
+// The end of an archive (APPNOTE.TXT, 4.3.14 to 4.3.16).
+std::size_t constexpr s_endRecordSize = 22;
+std::size_t constexpr s_longestComment = 65535;
+std::size_t constexpr s_locatorSize = 20;
+std::size_t constexpr s_zip64RecordSize = 56;
+// Encrypted, strongly encrypted, masked directory (APPNOTE.TXT, 4.4.4).
+std::uint32_t constexpr s_encryptedFlags = 1u << 0 | 1u << 6 | 1u << 13;
+
+std::string readAt(std::FILE* file, std::uint64_t offset, std::size_t size)
 {
-    std::string bytes;
-    char piece[65536];
-    while (std::size_t const count = std::fread(piece, 1, sizeof piece, stdin))
-        bytes.append(piece, count);
-    if (std::ferror(stdin))
-        systemFailed(NEB_HERE, "Standard input can't be read");
+    std::string bytes(size, '\0');
+    if (fseeko(file, static_cast<off_t>(offset), SEEK_SET) != 0)
+        return {};
+    bytes.resize(std::fread(bytes.data(), 1, size, file));
     return bytes;
+}
+
+std::uint64_t numberAt(std::string const& bytes, std::size_t offset, std::size_t size)
+{
+    std::uint64_t number = 0;
+    for (std::size_t i = size; i-- > 0;)
+        number = number << 8 | static_cast<unsigned char>(bytes[offset + i]);
+    return number;
+}
+
+std::string countOf(std::uint64_t part, std::uint64_t whole)
+{
+    return std::to_string(part) + " of " + std::to_string(whole);
+}
+
+// The stream's walk can't tell its end from a broken directory, so the entries are counted.
+std::uint64_t readEntryCount(std::FILE* file, std::string const& name)
+{
+    fseeko(file, 0, SEEK_END);
+    auto const size = static_cast<std::uint64_t>(ftello(file));
+    std::size_t const tailSize =
+        std::min<std::uint64_t>(size, s_locatorSize + s_endRecordSize + s_longestComment);
+    std::string const tail = readAt(file, size - tailSize, tailSize);
+    if (std::ferror(file))
+        systemFailed(NEB_HERE, name);
+    std::size_t const end = tail.rfind("PK\5\6");
+    if (end == std::string::npos || tail.size() - end < s_endRecordSize)
+        failed(NEB_HERE, name, "is no zip archive");
+
+    if (end >= s_locatorSize && tail.compare(end - s_locatorSize, 4, "PK\6\7") == 0)
+    {
+        std::string const record =
+            readAt(file, numberAt(tail, end - s_locatorSize + 8, 8), s_zip64RecordSize);
+        if (record.size() == s_zip64RecordSize)
+            return numberAt(record, 32, 8);
+    }
+    return numberAt(tail, end + 10, 2);
 }
 }  // namespace
 
-ArchiveInput::ArchiveInput(std::string const& path)
+ArchiveInput::ArchiveInput(std::string const& path) : m_name(path == "-" ? "standard input" : path)
 {
-    if (path != "-")
-        m_stream = std::make_unique<ARXZipInputStream>(path.c_str());
-    else if (std::fseek(stdin, 0, SEEK_SET) == 0)
-        m_stream = std::make_unique<ARXZipInputStream>(stdin);
-    else
-    {
-        m_bytes = readStandardInput();
-        m_stream = std::make_unique<ARXZipInputStream>(m_bytes.data(), m_bytes.size());
-    }
+    open(path);
+    m_count = readEntryCount(m_file.get(), m_name);
+    if (m_count != 0)
+        m_stream = naming(m_name, [this] { return std::make_unique<ARXZipInputStream>(m_file.get()); });
 }
 
-std::string printable(std::string const& text)
+ArchiveInput::~ArchiveInput() = default;
+
+void ArchiveInput::open(std::string const& path)
 {
-    char const* const digits = "0123456789abcdef";
-    std::string shown;
-    for (char const c : text)
+    m_file.reset(path == "-" ? stdin : std::fopen(path.c_str(), "rbe"));
+    struct stat status = {};
+    if (m_file && fstat(fileno(m_file.get()), &status) == 0 && S_ISDIR(status.st_mode))
+        errno = EISDIR;
+    stopIfInterrupted();
+    if (!m_file || S_ISDIR(status.st_mode))
+        systemFailed(NEB_HERE, m_name);
+    if (S_ISREG(status.st_mode))
+        return;
+
+    InputFile input(path);
+    while (std::vector<char> const* piece = &input.readPiece())
     {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F)
-            shown += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
-        else
-            shown += c;
+        if (piece->empty())
+            break;
+        m_bytes.append(piece->data(), piece->size());
     }
-    return shown;
+    m_file.reset(fmemopen(m_bytes.data(), m_bytes.size(), "rb"));
+    if (!m_file)
+        failed(NEB_HERE, m_name, "is no zip archive");
+}
+
+bool ArchiveInput::toNext()
+{
+    stopIfInterrupted();
+    bool const isEntry = m_stream && (m_seen == 0 ? m_stream->getFirstEntry() : m_stream->getNextEntry());
+    if (!isEntry && std::ferror(m_file.get()))
+        systemFailed(NEB_HERE, m_name);
+    if (!isEntry && m_seen < m_count)  // 65535 may stand for more
+        failed(NEB_HERE, m_name, "is damaged: only " + countOf(m_seen, m_count) + " entries can be found");
+    m_seen += isEntry ? 1 : 0;
+    return isEntry;
+}
+
+ArchiveInput::Entry ArchiveInput::readEntry()
+{
+    Entry entry{};
+    if (!m_stream->getCurrentEntryInfo(entry))
+        failed(NEB_HERE, "is damaged");
+    return entry;
+}
+
+void ArchiveInput::copyEntry(Entry const& entry, Sink const& sink)
+{
+    if ((entry.flag & s_encryptedFlags) != 0)
+        failed(NEB_HERE, "is encrypted");
+    if (!m_stream->openCurrentEntry())
+        failed(NEB_HERE, "is damaged, or packed by another method than deflate");
+
+    std::vector<char> piece(s_pieceSize);
+    std::uint64_t size = 0;
+    std::uint32_t crc = 0;
+    std::size_t count = 0;
+    while ((count = m_stream->read(piece.data(), piece.size())) != OJDInputStream::s_end)
+    {
+        stopIfInterrupted();
+        size += count;
+        crc = NEBUtCrc32::crc32(crc, piece.data(), count);
+        sink(piece.data(), count);
+    }
+    if (std::ferror(m_file.get()))
+        systemFailed(NEB_HERE, "can't be read");
+    if (size != entry.uncompressedSize)
+        failed(NEB_HERE, "is damaged: only " + countOf(size, entry.uncompressedSize) + " bytes can be read");
+    if (crc != entry.crc)
+        failed(NEB_HERE, "is damaged: its checksum is wrong");
+}
+
+std::uint64_t ArchiveInput::visitEntries(std::function<void(Entry const&)> const& visit)
+{
+    std::uint64_t failures = 0;
+    while (toNext())
+    {
+        std::string name = "entry " + std::to_string(m_seen);
+        try
+        {
+            Entry const entry = readEntry();
+            name = entry.szFileName;
+            visit(entry);
+        }
+        catch (NEBThrowable const& error)
+        {
+            printError(name + ": " + reasonOf(error));
+            ++failures;
+        }
+    }
+    if (failures != 0)
+        failed(NEB_HERE, m_name, countOf(failures, m_seen) + " entries failed");
+    return m_seen;
+}
+
+bool ArchiveInput::isSameFile(std::string const& path) const
+{
+    struct stat archive;
+    struct stat other;
+    return m_bytes.empty() && fstat(fileno(m_file.get()), &archive) == 0 && stat(path.c_str(), &other) == 0 &&
+           archive.st_dev == other.st_dev && archive.st_ino == other.st_ino;
+}
+
+void ArchiveInput::Close::operator()(std::FILE* file) const
+{
+    std::fclose(file);
+}
+
+std::string relativePath(std::string const& entryName)
+{
+    std::string path;
+    if (!entryName.empty())
+        ARXFmDir::getNormalizedPath("./" + entryName, path);
+    bool const isOutside = ARXFmDir::isAbsolutePath(entryName.c_str()) ||
+                           ARXFmDir::hasDriveLetter(entryName.c_str()) || path == ".." ||
+                           path.compare(0, 3, "../") == 0;
+    if (entryName.empty() || isOutside)
+        failed(NEB_HERE, "leads outside the folder");
+    return path;
 }

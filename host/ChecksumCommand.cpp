@@ -3,8 +3,8 @@
 #include <iostream>
 #include <memory>
 
+#include "Commands.h"
 #include "NEBCore/I18NString.h"
-#include "host/Commands.h"
 #include "text/ARNEBI18NBuffer.h"
 
 namespace

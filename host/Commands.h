@@ -1,4 +1,4 @@
-// The commands of arxhost, a file each.
+// The commands of arxhost, a file each or two that mirror each other.
 
 #ifndef ARXHOST_COMMANDS_H
 #define ARXHOST_COMMANDS_H
@@ -8,19 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
-// What a command does once the command line is understood and the settings are loaded; gives the exit code.
+// What a command does once the command line is understood and the settings are loaded; returns the exit code.
 using Action = std::function<int()>;
-
-// What commands that make one file from another have in common.
-struct FilePairTexts
-{
-    char const* m_name;
-    char const* m_description;
-    char const* m_source;
-    char const* m_target;
-};
-void addFilePairCommand(CLI::App& app, Action& chosen, FilePairTexts const& texts,
-                        void (*work)(std::string const& source, std::string const& target));
 
 // Each adds its command to app and, when the user calls it, stores in chosen what is to be done.
 void addCatCommand(CLI::App& app, Action& chosen);
@@ -35,5 +24,8 @@ void addTourCommand(CLI::App& app, Action& chosen);
 void addUnsealCommand(CLI::App& app, Action& chosen);
 void addUnzipCommand(CLI::App& app, Action& chosen);
 void addZipCommand(CLI::App& app, Action& chosen);
+// Two commands that help doesn't list: "manual" prints the manual page, "completion" what bash completes by.
+// Both describe what app holds when they run.
+void addManualCommands(CLI::App& app, Action& chosen);
 
 #endif

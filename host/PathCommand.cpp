@@ -1,7 +1,8 @@
 #include <iostream>
 #include <memory>
 
-#include "host/Commands.h"
+#include "Commands.h"
+#include "Failure.h"
 #include "path/ARXFmDir.h"
 
 namespace
@@ -17,7 +18,7 @@ int normalize(PathOptions const& options)
     for (std::string const& path : options.m_paths)
     {
         std::string normalized;
-        ARXFmDir::getNormalizedPath(path, normalized);
+        naming(path, [&] { ARXFmDir::getNormalizedPath(path, normalized); });
         std::cout << normalized << '\n';
     }
     return 0;
@@ -28,10 +29,14 @@ int makeAbsolute(PathOptions const& options)
     for (std::string const& path : options.m_paths)
     {
         std::string absolute;
-        if (options.m_directory.empty())
-            ARXFmDir::getAbsolutePath(path.c_str(), absolute);
-        else
-            ARXFmDir::getAbsolutePath(options.m_directory.c_str(), path.c_str(), absolute);
+        naming(path,
+               [&]
+               {
+                   if (options.m_directory.empty())
+                       ARXFmDir::getAbsolutePath(path.c_str(), absolute);
+                   else
+                       ARXFmDir::getAbsolutePath(options.m_directory.c_str(), path.c_str(), absolute);
+               });
         std::cout << absolute << '\n';
     }
     return 0;
@@ -65,7 +70,7 @@ CLI::App* addOperation(CLI::App& group, Action& chosen, std::shared_ptr<PathOpti
                        char const* name, char const* description, int (*operation)(PathOptions const&))
 {
     CLI::App* command = group.add_subcommand(name, description);
-    command->add_option("PATH", options->m_paths)->required();
+    command->add_option("PATH", options->m_paths, "A path")->required();
     command->callback([&chosen, options, operation] { chosen = [=] { return operation(*options); }; });
     return command;
 }

@@ -1,46 +1,34 @@
-// Shows on standard error how far long work is, in a line that rewrites itself: files, bytes, rate. Shows
-// nothing when standard error is no terminal.
-//
-// The library reports no progress, so a thread of the host watches the bytes that the process reads or
-// writes.
+// Shows on standard error how far long work is, in a line that rewrites itself. Shows nothing, and costs
+// nothing, where standard error is no terminal.
 
 #ifndef ARXHOST_PROGRESS_H
 #define ARXHOST_PROGRESS_H
 
-#include <condition_variable>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <mutex>
-#include <thread>
-#include <vector>
 
 class Progress
 {
 public:
-    enum class Watch
-    {
-        bytesRead,
-        bytesWritten
-    };
-
-    // sizes: the bytes of each file, in the order of the work.
-    Progress(std::vector<std::uint64_t> const& sizes, Watch watch);
+    Progress();
     // Clears the line.
     ~Progress();
 
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-private:
-    void run();
-    void show(double seconds) const;
+    void addFile() { ++m_files; }
+    void addBytes(std::size_t count);
 
-    std::vector<std::uint64_t> m_ends;  // of each file in the whole, ascending
-    Watch m_watch;
-    std::uint64_t m_before;  // the counter's value at the start
-    std::mutex m_lock;
-    std::condition_variable m_wake;
-    bool m_done = false;
-    std::thread m_thread;  // only where there is a terminal
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool m_isShown;
+    Clock::time_point m_start;
+    Clock::time_point m_next;  // when the line is written again
+    std::uint64_t m_files = 0;
+    std::uint64_t m_bytes = 0;
 };
 
 #endif

@@ -1,8 +1,8 @@
-#include <cstdio>
+#include <iostream>
 #include <memory>
 
-#include "host/Commands.h"
-#include "host/Failure.h"
+#include "Commands.h"
+#include "InputFile.h"
 #include "streams/ARXOJDQuotedPrintableOutputStream.h"
 
 namespace
@@ -12,30 +12,18 @@ class StandardOutput : public OJDOutputStream
 public:
     void write(char const* data, std::size_t size) override
     {
-        if (std::fwrite(data, 1, size, stdout) != size)
-            systemFailed(NEB_HERE, "Standard output can't be written");
-    }
-    void flush() override
-    {
-        // The filter drops what its last line raises; the stream remembers that it failed.
-        if (std::fflush(stdout) != 0 || std::ferror(stdout))
-            systemFailed(NEB_HERE, "Standard output can't be written");
+        std::cout.write(data, static_cast<std::streamsize>(size));
     }
 };
 
 int encode(bool trailingTabOnly)
 {
     StandardOutput output;
-    {
-        ARXOJDQuotedPrintableOutputStream filter(output, trailingTabOnly);
-        char buffer[65536];
-        while (std::size_t const count = std::fread(buffer, 1, sizeof buffer, stdin))
-            filter.write(buffer, count);
-    }  // the filter's end brings out its last line
-    if (std::ferror(stdin))
-        systemFailed(NEB_HERE, "Standard input can't be read");
-    output.flush();
-    return 0;
+    InputFile input("-");
+    ARXOJDQuotedPrintableOutputStream filter(output, trailingTabOnly);
+    for (auto* piece = &input.readPiece(); !piece->empty(); piece = &input.readPiece())
+        filter.write(piece->data(), piece->size());
+    return 0;  // the filter's end brings out its last line; what fails there shows when the output is flushed
 }
 }  // namespace
 

@@ -1,39 +1,35 @@
-#include "host/RunningLibrary.h"
+#include "RunningLibrary.h"
 
-#include <string>
-
+#include "Failure.h"
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "frame/Arxium.h"
-#include "host/Failure.h"
 
 namespace
 {
-char constexpr s_startDocument[] = "<initializeDocument><serviceID>arxhost</serviceID></initializeDocument>";
-char constexpr s_stopDocument[] = "<terminateDocument><serviceID>arxhost</serviceID></terminateDocument>";
-
-std::string takeDetails(char* details)
+// What Arxium::initialize raises doesn't say why the crypto interface refused; the interface keeps it.
+std::string takeStartFailure()
 {
-    std::string const text = details ? details : "The crypto interface does not start.";
+    char* details = nullptr;
+    KRY_CryptoGetLastErrorDetails(nullptr, nullptr, &details);
+    std::string const text = details ? details : "";
     KRY_CryptoFree(details, nullptr);
     return text;
 }
 }  // namespace
 
-RunningCrypto::RunningCrypto()
-{
-    char* details = nullptr;
-    if (!KRY_SUCCEEDED(KRY_CryptoInitialize(s_startDocument, nullptr, &details)))
-        failed(NEB_HERE, takeDetails(details));
-}
-
-RunningCrypto::~RunningCrypto()
-{
-    KRY_CryptoTerminate(s_stopDocument, nullptr, nullptr);
-}
-
 RunningLibrary::RunningLibrary()
 {
-    Arxium::initialize();
+    try
+    {
+        Arxium::initialize();
+    }
+    catch (NEBThrowable const& error)
+    {
+        std::string const reason = takeStartFailure();
+        if (reason.empty())
+            throw;
+        failedBy(error, reason);
+    }
 }
 
 RunningLibrary::~RunningLibrary()

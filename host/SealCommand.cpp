@@ -1,14 +1,59 @@
-#include "host/Commands.h"
-#include "host/RunningLibrary.h"
-#include "host/SealedFile.h"
+#include <memory>
+
+#include "Commands.h"
+#include "Failure.h"
+#include "RunningLibrary.h"
+#include "SealedFile.h"
+
+namespace
+{
+struct SealOptions
+{
+    std::string m_source;
+    std::string m_target;
+};
+
+int seal(SealOptions const& options)
+{
+    if (options.m_target == "-")
+        failed(NEB_HERE,
+               "an encrypted file can't go to standard output: it gets its name when it is complete");
+    RunningLibrary const library;
+    sealFile(options.m_source, options.m_target);
+    return 0;
+}
+
+int unseal(SealOptions const& options)
+{
+    if (options.m_source == "-")
+        failed(NEB_HERE,
+               "an encrypted file can't come from standard input: the crypto interface opens it by name");
+    RunningLibrary const library;
+    unsealFile(options.m_source, options.m_target);
+    return 0;
+}
+}  // namespace
 
 void addSealCommand(CLI::App& app, Action& chosen)
 {
-    addFilePairCommand(app, chosen,
-                       {"seal", "Write an encrypted copy of a file", "The file", "The encrypted copy"},
-                       [](std::string const& source, std::string const& target)
-                       {
-                           RunningLibrary const library;
-                           sealFile(source, target);
-                       });
+    auto const options = std::make_shared<SealOptions>();
+    CLI::App* command = app.add_subcommand("seal", "Write an encrypted copy of a file");
+    command->add_option("FILE", options->m_source, "The file, or - for standard input")->required();
+    command->add_option("OUT", options->m_target, "The encrypted copy; an existing one is replaced")
+        ->required();
+    command->callback([&chosen, options] { chosen = [options] { return seal(*options); }; });
+}
+
+void addUnsealCommand(CLI::App& app, Action& chosen)
+{
+    auto const options = std::make_shared<SealOptions>();
+    CLI::App* command = app.add_subcommand("unseal", "Write the contents of an encrypted file");
+    command->add_option("FILE", options->m_source, "The encrypted file")->required();
+    command
+        ->add_option(
+            "OUT", options->m_target,
+            "The plain copy, for its owner alone unless it replaces a file; or - for standard output, "
+            "whose bytes count only if the exit code is 0")
+        ->required();
+    command->callback([&chosen, options] { chosen = [options] { return unseal(*options); }; });
 }

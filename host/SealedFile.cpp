@@ -1,82 +1,114 @@
-#include "host/SealedFile.h"
+#include "SealedFile.h"
 
+#include <cerrno>
+#include <functional>
+#include <iostream>
 #include <memory>
 #include <vector>
 
+#include "Failure.h"
+#include "InputFile.h"
+#include "Interrupt.h"
 #include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
-#include "NEBCore/NEBFmFile.h"
+#include "OutputFile.h"
+#include "Progress.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleI.h"
-#include "host/Failure.h"
-#include "host/PlacedFile.h"
-#include "streams/ARXOJDSecureFileOutputStream.h"
+#include "os/OsFile.h"
 
 namespace
 {
-std::size_t constexpr s_pieceSize = 65536;
+unsigned constexpr s_ownerOnly = 0600;
 
-struct GiveBack
+// Closing an unfinished session discards its file.
+struct CloseSession
 {
     void operator()(ARXKRYHandleI* handle) const { ARXKRYHandleFactory::destroyHandle(handle); }
 };
-using Handle = std::unique_ptr<ARXKRYHandleI, GiveBack>;
+using Session = std::unique_ptr<ARXKRYHandleI, CloseSession>;
 
-// Sealed files belong to the service of the stream that wrote them.
-Handle openSealed(std::string const& source)
+// Sealed files are those of the library's own encrypted streams, so they belong to that service.
+Session openSession(std::string const& file, std::string const& setUp)
 {
-    Handle handle(ARXKRYHandleFactory::createHandle());
-    handle->persistentInitialize(
+    Session session(ARXKRYHandleFactory::createHandle());
+    session->persistentInitialize(
         "<sessionConfigDocument><serviceID>ARXIUM</serviceID></sessionConfigDocument>", nullptr);
-    std::string const document = "<setInfoDocument><action>DecipherStream</action><fileInput>" + source +
-                                 "</fileInput></setInfoDocument>";
-    handle->setInfo(document.c_str(), nullptr);
-    return handle;
+    naming(file,
+           [&] { session->setInfo(("<setInfoDocument>" + setUp + "</setInfoDocument>").c_str(), nullptr); });
+    return session;
 }
 
+void protect(ARXKRYHandleI& session, std::vector<char> const& piece, std::string const& target)
+{
+    char* nothing = nullptr;
+    std::size_t size = 0;
+    errno = 0;
+    std::int32_t const status = session.protectData(piece.data(), piece.size(), &nothing, &size, nullptr);
+    if (status == KRY_ERROR_FILE && errno != 0)
+        systemFailed(NEB_HERE, target);
+    if (!KRY_SUCCEEDED(status))
+        failed(NEB_HERE, target, "can't be written");
+}
+
+using Sink = std::function<void(char const*, std::size_t)>;
+
 // Gives the next piece to sink; false at the authenticated end.
-bool readPiece(ARXKRYHandleI& handle, OJDOutputStream& sink, std::string const& source)
+bool unprotect(ARXKRYHandleI& session, std::string const& source, Sink const& sink)
 {
     char* data = nullptr;
     std::size_t size = 0;
-    std::int32_t const status = handle.unprotectData(nullptr, 0, &data, &size, nullptr);
-    auto const release = [&handle](char* memory) { handle.cryptoFree(memory, nullptr); };
+    std::int32_t const status = session.unprotectData(nullptr, 0, &data, &size, nullptr);
+    auto const release = [&session](char* memory) { session.cryptoFree(memory, nullptr); };
     std::unique_ptr<char, decltype(release)> const owner(data, release);
+    if (status == KRY_ERROR_DAMAGED)
+        failed(NEB_HERE, source, "is damaged, cut, or sealed under another key");
     if (!KRY_SUCCEEDED(status))
-        failed(NEB_HERE, source + ": is damaged, cut, or sealed under another key");
+        failed(NEB_HERE, source, "can't be read");
     if (size != 0)
-        sink.write(data, size);
+        sink(data, size);
     return size != 0;
+}
+
+void unsealTo(std::string const& source, Sink const& sink)
+{
+    if (!OsFile().open(source.c_str(), OsFile::s_read | OsFile::s_noWait))
+        systemFailed(NEB_HERE, source);  // shorter than the crypto interface's words
+    Session const session =
+        openSession(source, "<action>DecipherStream</action><fileInput>" + source + "</fileInput>");
+    Progress progress;
+    auto const counted = [&](char const* data, std::size_t size)
+    {
+        stopIfInterrupted();
+        progress.addBytes(size);
+        sink(data, size);
+    };
+    while (unprotect(*session, source, counted))
+        continue;
 }
 }  // namespace
 
 void sealFile(std::string const& source, std::string const& target)
 {
-    NEBFmFile input;
-    if (!input.open(source, NEBFmFile::s_readExisting, 0))
-        systemFailed(NEB_HERE, source);
-
-    // Destroying the stream finishes its file, so one that is given up must not bear the target's name.
-    PlacedFile output(target);
-    ARXOJDSecureFileOutputStream stream;
-    stream.setSecureType(ARXOJDSecureFileOutputStream::secureTypeEncrypted);
-    stream.open(output.getPath().c_str());
-    std::vector<char> piece(s_pieceSize);
-    std::int64_t count = 0;
-    while ((count = input.read(piece.data(), piece.size())) > 0)
-        stream.write(piece.data(), static_cast<std::size_t>(count));
-    if (count < 0)
-        systemFailed(NEB_HERE, source);
-    stream.close();
-    output.place();
+    InputFile input(source);
+    Session const session =
+        openSession(target, "<action>CipherStream</action><fileOutput>" + target + "</fileOutput>");
+    Progress progress;
+    for (std::vector<char> const* piece = &input.readPiece(); !piece->empty(); piece = &input.readPiece())
+    {
+        protect(*session, *piece, target);
+        progress.addBytes(piece->size());
+    }
+    session->setInfo("<setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>", nullptr);
+    protect(*session, {}, target);
 }
 
 void unsealFile(std::string const& source, std::string const& target)
 {
-    Handle const handle = openSealed(source);
-    PlacedFile output(target);
-    OJDFileOutputStream stream(output.getPath().c_str(), 0);
-    while (readPiece(*handle, stream, source))
-        continue;
-    stream.close();
+    if (target == "-")
+        return unsealTo(source, [](char const* data, std::size_t size)
+                        { std::cout.write(data, static_cast<std::streamsize>(size)); });
+
+    OutputFile output(target, s_ownerOnly);
+    unsealTo(source, [&output](char const* data, std::size_t size) { output.write(data, size); });
     output.place();
 }

@@ -1,9 +1,10 @@
 #include <iostream>
 #include <memory>
 
-#include "host/Commands.h"
-#include "host/RunningLibrary.h"
-#include "host/SignedUrl.h"
+#include "Commands.h"
+#include "RunningLibrary.h"
+#include "SignedUrl.h"
+#include "Text.h"
 
 namespace
 {
@@ -14,11 +15,55 @@ struct SignOptions
     bool m_dispatcher = false;
 };
 
+struct CheckOptions
+{
+    std::string m_url;
+    std::string m_session;
+    bool m_json = false;
+};
+
 int sign(SignOptions const& options)
 {
     RunningLibrary const library;
     std::cout << signFile(options.m_file, options.m_session, options.m_dispatcher) << '\n';
     return 0;
+}
+
+void printText(std::vector<std::string> const& wrong)
+{
+    for (std::string const& reason : wrong)
+        std::cout << "wrong: " << reason << '\n';
+    if (wrong.empty())
+        std::cout << "right (what stands before the query is not signed)\n";
+}
+
+void printJson(std::string const& url, std::vector<std::string> const& wrong)
+{
+    std::cout << '{' << jsonMember("url", url) << ",\"right\":" << (wrong.empty() ? "true" : "false")
+              << ",\"wrong\":[";
+    for (std::string const& reason : wrong)
+        std::cout << (&reason == &wrong.front() ? "" : ",") << jsonText(reason);
+    std::cout << "]}\n";
+}
+
+int check(CheckOptions const& options)
+{
+    RunningLibrary const library;
+    std::vector<std::string> const wrong = findWrongValues(options.m_url, options.m_session);
+    if (options.m_json)
+        printJson(options.m_url, wrong);
+    else
+        printText(wrong);
+    return wrong.empty() ? 0 : 1;
+}
+
+void addSessionOption(CLI::App& command, std::string& session)
+{
+    // Without a session, s would be the signature of the name alone, which k shows to everybody.
+    auto const refuseEmpty = [](std::string const& id) { return id.empty() ? "must not be empty" : ""; };
+    command.add_option("--session", session, "Identifier of the caller's session")
+        ->required()
+        ->check(refuseEmpty);
 }
 }  // namespace
 
@@ -28,7 +73,18 @@ void addSignCommand(CLI::App& app, Action& chosen)
     CLI::App* command = app.add_subcommand("sign", "Print the signed URL of a stored file");
     command->add_option("FILE", options->m_file, "The file; its directory does not enter the URL")
         ->required();
-    command->add_option("--session", options->m_session, "Identifier of the caller's session")->required();
+    addSessionOption(*command, options->m_session);
     command->add_flag("--dispatcher", options->m_dispatcher, "Use the external dispatcher's base path");
     command->callback([&chosen, options] { chosen = [options] { return sign(*options); }; });
+}
+
+void addCheckCommand(CLI::App& app, Action& chosen)
+{
+    auto const options = std::make_shared<CheckOptions>();
+    CLI::App* command =
+        app.add_subcommand("check", "Rebuild a signed URL and compare; exit code 1 if it is wrong");
+    command->add_option("URL", options->m_url, "The URL, with or without a base path")->required();
+    addSessionOption(*command, options->m_session);
+    command->add_flag("--json", options->m_json, "Print the answer as an object of JSON");
+    command->callback([&chosen, options] { chosen = [options] { return check(*options); }; });
 }

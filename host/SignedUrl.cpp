@@ -1,23 +1,41 @@
-#include "host/SignedUrl.h"
+#include "SignedUrl.h"
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 
-#include "NEBCore/NEBFmDir.h"
+#include "Failure.h"
+#include "NEBCFGAPI/NEBConfigurationStore.h"
 #include "NEBCore/NEBWeb64.h"
-#include "host/Failure.h"
 #include "url/ARXUriDispatchHelper.h"
 
 namespace
 {
 char const* const s_introductions[] = {"?b_action=dc&f=", "&k=", "&s=", "&did="};
 
-// The values behind the four introductions. Empty if they do not all stand in the URL, in their order.
+// Where the query begins: after a configured base path, which may hold anything, or else at the first "?" or
+// "#".
+std::size_t findQuery(std::string const& url)
+{
+    std::string const query = s_introductions[0];
+    for (char const* const setting : {"gatewayUrl", "externalDispatcherUrl"})
+    {
+        std::string const base =
+            NEBConfigurationStore::getStore().getConfigurationValue(setting, nullptr).c_str();
+        if (url.compare(0, base.size() + query.size(), base + query) == 0)
+            return base.size();
+    }
+    std::size_t const first = url.find_first_of("?#");
+    return first != std::string::npos && url.compare(first, query.size(), query) == 0 ? first
+                                                                                      : std::string::npos;
+}
+
+// The values after the four introductions. Empty if they do not all stand in the URL, in their order.
 std::vector<std::string> splitValues(std::string const& url)
 {
     std::vector<std::string> values;
-    std::size_t begin = url.find(s_introductions[0]);
+    std::size_t begin = findQuery(url);
     for (std::size_t i = 0; i < std::size(s_introductions); ++i)
     {
         if (begin == std::string::npos)
@@ -43,8 +61,10 @@ bool isEqual(std::string const& given, std::string const& expected)
 
 std::string signFile(std::string const& file, std::string const& session, bool dispatcher)
 {
-    if (!NEBFmDir::exists(file.c_str(), NEBFmDir::s_regularFile))
-        failed(NEB_HERE, file + ": no such file");
+    std::error_code error;
+    bool const isRegular = std::filesystem::is_regular_file(file, error);
+    if (!isRegular)
+        failed(NEB_HERE, file, error ? error.message() : "is no regular file");
 
     std::string url;
     if (dispatcher)
@@ -58,7 +78,7 @@ std::vector<std::string> findWrongValues(std::string const& url, std::string con
 {
     std::vector<std::string> const given = splitValues(url);
     if (given.empty())
-        return {"the URL lacks one of \"?b_action=dc&f=\", \"&k=\", \"&s=\" and \"&did=\""};
+        return {"the URL is not a base path and \"?b_action=dc&f=...&k=...&s=...&did=...\""};
 
     std::string name;
     if (!NEBWeb64Decode(given[0].c_str(), given[0].size(), name) || name.empty())

@@ -1,22 +1,22 @@
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <iterator>
 #include <memory>
 
-#include "ARXResource/ARXI18NRes.h"
+#include "Commands.h"
+#include "Failure.h"
 #include "NEBCFGAPI/NEBConfigurationStore.h"
-#include "host/Commands.h"
-#include "host/Failure.h"
-#include "host/RunningLibrary.h"
-#include "host/SealedFile.h"
-#include "host/SignedUrl.h"
+#include "RunningLibrary.h"
+#include "SealedFile.h"
+#include "SignedUrl.h"
 #include "text/NEBUtHRTimer.h"
 
 namespace
 {
+char constexpr s_gatewaySetting[] = "gatewayUrl";
 char constexpr s_session[] = "tour-session";
 
 // Prints a line a step, with the time since the step before it.
@@ -34,7 +34,8 @@ public:
 
     void tell(std::string const& text)
     {
-        std::printf("%9.3f ms  %s\n", static_cast<double>(m_timer.getElapsed(true)) / 1e6, text.c_str());
+        std::cout << std::fixed << std::setprecision(3) << std::setw(9)
+                  << static_cast<double>(m_timer.getElapsed(true)) / 1e6 << " ms  " << text << '\n';
         m_timer.start();
     }
 
@@ -76,7 +77,7 @@ std::string readFile(std::string const& path)
 void expect(bool condition, char const* what)
 {
     if (!condition)
-        failed(NEB_HERE, std::string("The tour expected that ") + what + ".");
+        failed(NEB_HERE, std::string("the tour expected that ") + what);
 }
 
 std::string tampered(std::string url)
@@ -132,9 +133,8 @@ void tourSealing(Steps& steps, std::string const& file)
 int tour(std::string const& file)
 {
     NEBConfigurationStore& settings = NEBConfigurationStore::getStore();
-    I18NString const& gateway = ARXI18NRes::getString(ARXI18NRes::s_gatewaySetting);
-    if (settings.getConfigurationValue(gateway, nullptr).empty())
-        settings.setValue(gateway, "https://files.example/gateway");
+    if (settings.getConfigurationValue(s_gatewaySetting, nullptr).empty())
+        settings.setValue(s_gatewaySetting, "https://files.example/gateway");
 
     Steps steps;
     {
@@ -152,6 +152,6 @@ void addTourCommand(CLI::App& app, Action& chosen)
 {
     auto const file = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("tour", "Show the library at work on a file");
-    command->add_option("FILE", *file)->required()->check(CLI::ExistingFile);
+    command->add_option("FILE", *file, "The file")->required();
     command->callback([&chosen, file] { chosen = [file] { return tour(*file); }; });
 }

@@ -1,13 +1,26 @@
+#include <ctime>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
-#include "host/Commands.h"
-#include "host/Failure.h"
-#include "host/Progress.h"
-#include "zip/ARXUnzipFile.h"
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ArchiveInput.h"
+#include "Commands.h"
+#include "Failure.h"
+#include "OutputFile.h"
+#include "Progress.h"
+#include "os/OsFile.h"
+#include "path/ARXFmDir.h"
 
 namespace
 {
+namespace fs = std::filesystem;
+unsigned constexpr s_anybody = 0666;  // less the umask
+std::uint32_t constexpr s_dosFolder = 0x10;
+
 struct UnzipOptions
 {
     std::string m_archive;
@@ -15,38 +28,92 @@ struct UnzipOptions
     bool m_ignorePath = false;
 };
 
-class ListedArchive : public ARXUnzipFile
+// By its name; an entry made on DOS may say it by its attribute alone (APPNOTE.TXT, 4.4.2 and 4.4.15).
+bool isFolder(ArchiveInput::Entry const& entry)
 {
-public:
-    using ARXUnzipFile::ARXUnzipFile;
+    std::string const name = entry.szFileName;
+    bool const isFromDos = entry.version >> 8 == 0;
+    return (!name.empty() && ARXFmDir::isPathSeparator(name.back())) ||
+           (isFromDos && (entry.externalAttributes & s_dosFolder) != 0 && entry.uncompressedSize == 0);
+}
 
-    // One for each entry; the count that the archive itself tells may be cut to 16 bits.
-    std::vector<std::uint64_t> readSizes()
-    {
-        std::vector<std::uint64_t> sizes;
-        UZ_FileInfo info;
-        for (bool more = gotoFirstFile(); more && getFileInfo(info); more = gotoNextFile())
-            sizes.push_back(info.uncompressedSize);
-        return sizes;
-    }
-};
+void makeFolder(fs::path const& folder)
+{
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error)
+        failed(NEB_HERE, folder, error.message());
+}
+
+// The date is local time. One that does not exist is left out.
+void setDate(std::string const& path, std::uint32_t dosDate)
+{
+    std::tm fields{};
+    fields.tm_year = static_cast<int>(dosDate >> 25) + 80;
+    fields.tm_mon = static_cast<int>(dosDate >> 21 & 0xF) - 1;
+    fields.tm_mday = static_cast<int>(dosDate >> 16 & 0x1F);
+    fields.tm_hour = static_cast<int>(dosDate >> 11 & 0x1F);
+    fields.tm_min = static_cast<int>(dosDate >> 5 & 0x3F);
+    fields.tm_sec = static_cast<int>(dosDate & 0x1F) * 2;
+    fields.tm_isdst = -1;  // found from the date
+    std::tm normal = fields;
+    timespec const times[] = {{0, UTIME_OMIT}, {std::mktime(&normal), 0}};
+    bool const isDate = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday;
+    if (isDate && utimensat(AT_FDCWD, path.c_str(), times, 0) != 0)
+        systemFailed(NEB_HERE, path);
+}
+
+void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path const& folder, bool ignorePath,
+             Progress& progress)
+{
+    fs::path relative = relativePath(entry.szFileName);
+    if (isFolder(entry))
+        return makeFolder(relative == "." ? folder : folder / relative);
+    if (ignorePath)
+        relative = relative.filename();
+    fs::path const target = folder / relative;
+    if (archive.isSameFile(target))
+        failed(NEB_HERE, "would replace the archive itself");
+
+    makeFolder(target.parent_path());
+    OutputFile output(target, s_anybody);
+    archive.copyEntry(entry,
+                      [&](char const* data, std::size_t size)
+                      {
+                          output.write(data, size);
+                          progress.addBytes(size);
+                      });
+    setDate(output.getPath(), entry.dosDate);
+    output.placeUnsynced();
+    progress.addFile();
+}
+
+// Once for all files: to wait for each would take minutes where there are many.
+void syncFileSystem(fs::path const& folder)
+{
+    OsFile directory;
+    if (!directory.open(folder.c_str(), OsFile::s_read | OsFile::s_directory) ||
+        syncfs(directory.getDescriptor()) != 0)
+        systemFailed(NEB_HERE, folder);
+}
 
 int unzip(UnzipOptions const& options)
 {
-    ListedArchive archive(options.m_archive.c_str());
-    if (archive.getFileCount() == 0)
-        failed(NEB_HERE, options.m_archive + ": no archive, or one without entries");
-    std::vector<std::uint64_t> const sizes = archive.readSizes();
-
-    bool extracted = false;
+    if (options.m_archive == "-" && options.m_folder.empty())
+        failed(NEB_HERE, "FOLDER is required where the archive comes from standard input");
+    ArchiveInput archive(options.m_archive);
+    fs::path folder = options.m_folder;
+    if (folder.empty())
+        folder = fs::canonical(options.m_archive).parent_path();
+    makeFolder(folder);
+    std::uint64_t count = 0;
     {
-        Progress const progress(sizes, Progress::Watch::bytesWritten);
-        extracted = archive.unzip(options.m_ignorePath,
-                                  options.m_folder.empty() ? nullptr : options.m_folder.c_str());
+        Progress progress;
+        count = archive.visitEntries([&](ArchiveInput::Entry const& entry)
+                                     { extract(archive, entry, folder, options.m_ignorePath, progress); });
     }
-    if (!extracted)
-        failed(NEB_HERE, options.m_archive + ": an entry can't be extracted");
-    std::cout << sizes.size() << " entries\n";
+    syncFileSystem(folder);
+    std::cout << count << " entries\n";
     return 0;
 }
 }  // namespace
@@ -54,8 +121,9 @@ int unzip(UnzipOptions const& options)
 void addUnzipCommand(CLI::App& app, Action& chosen)
 {
     auto const options = std::make_shared<UnzipOptions>();
-    CLI::App* command = app.add_subcommand("unzip", "Extract an archive");
-    command->add_option("ARCHIVE", options->m_archive)->required();
+    CLI::App* command = app.add_subcommand(
+        "unzip", "Extract an archive; entries that can't be extracted are named, the others stay");
+    command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
     command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given");
     command->add_flag("--ignore-path", options->m_ignorePath, "Put every file into the folder itself");
     command->callback([&chosen, options] { chosen = [options] { return unzip(*options); }; });

@@ -1,18 +1,34 @@
-#include <cstdio>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
+#include <vector>
 
-#include "NEBCore/NEBFmDir.h"
-#include "host/Commands.h"
-#include "host/Failure.h"
-#include "host/Progress.h"
-#include "host/ZipSource.h"
-#include "zip/ARXUnzipFile.h"
+#include <sys/stat.h>
+
+#include "ArchiveInput.h"
+#include "Commands.h"
+#include "Failure.h"
+#include "InputFile.h"
+#include "NEBCore/NEBUtCrc32.h"
+#include "OutputFile.h"
+#include "Progress.h"
+#include "path/ARXFmDir.h"
 #include "zip/ARXZipFile.h"
 
 namespace
 {
+namespace fs = std::filesystem;
+unsigned constexpr s_anybody = 0666;  // less the umask
+auto constexpr s_method = ARXZipFile::compressDeflated;
+int constexpr s_level = 6;                     // zlib's own
+std::uint64_t constexpr s_limit = UINT32_MAX;  // of a file and of the archive, in bytes; the format's own
+std::size_t constexpr s_longestName = 258;     // in bytes; the library finds no longer ones again
+
 struct ZipOptions
 {
     std::string m_archive;
@@ -21,64 +37,208 @@ struct ZipOptions
     bool m_flat = false;
 };
 
-std::string resolved(std::string path)
+struct SourceFile
 {
-    NEBFmDir::resolveEffectivePath(path);
-    return path;
+    std::string m_path;
+    std::string m_name;  // in the archive
+    std::uint64_t m_size;
+    std::time_t m_time;
+    std::uint32_t m_crc = 0;  // of what went into the archive
+};
+using SourceFiles = std::vector<SourceFile>;
+
+SourceFile describe(std::string const& path, std::string const& base)
+{
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        systemFailed(NEB_HERE, path);
+    SourceFile file{path, "", static_cast<std::uint64_t>(status.st_size), status.st_mtime};
+    ARXFmDir::getPathTail(file.m_name, base.c_str(), path.c_str());
+    ARXFmDir::normalizePathSeparator(file.m_name);
+    if (file.m_size >= s_limit)
+        failed(NEB_HERE, path, "has 4 GiB or more, which an archive can't hold");
+    if (file.m_name.size() > s_longestName)
+        failed(NEB_HERE, path, "its name in the archive would have more than 258 bytes");
+    naming(path, [&] { relativePath(file.m_name); });  // raises for a name that unzip refuses
+    return file;
 }
 
-// Removes an archive that was begun and not finished; a device that was given as the archive stays.
-class Unfinished
+// The files of a directory by the bytes of their names, then those of its subdirectories. Links to files
+// count as files, other links are left out.
+void collect(SourceFiles& files, fs::path const& directory, std::string const& base,
+             std::string const& archive)
 {
-public:
-    explicit Unfinished(std::string const& archive) : m_archive(archive) {}
-    ~Unfinished()
-    {
-        std::error_code ignored;
-        if (!m_finished && std::filesystem::is_regular_file(m_archive, ignored))
-            std::remove(m_archive.c_str());
-    }
-    Unfinished(Unfinished const&) = delete;
-    Unfinished& operator=(Unfinished const&) = delete;
-    void finish() { m_finished = true; }
+    std::error_code error;
+    std::vector<fs::directory_entry> entries;
+    for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error))
+        entries.push_back(*entry);
+    if (error)
+        failed(NEB_HERE, directory, error.message());
+    std::sort(entries.begin(), entries.end(),
+              [](auto const& a, auto const& b) { return a.path().native() < b.path().native(); });
 
-private:
-    std::string const& m_archive;
-    bool m_finished = false;
+    std::vector<fs::path> directories;
+    for (fs::directory_entry const& entry : entries)
+    {
+        if (!entry.is_symlink(error) && entry.is_directory(error))
+            directories.push_back(entry.path());
+        else if (!entry.is_regular_file(error))
+            printError(entry.path().native() + ": is left out, since it is no regular file");
+        else if (entry.path() != archive)
+            files.push_back(describe(entry.path(), base));
+    }
+    for (fs::path const& subdirectory : directories)
+        collect(files, subdirectory, base, archive);
+}
+
+void requireUniqueNames(SourceFiles const& files)
+{
+    std::vector<std::string> names;
+    for (SourceFile const& file : files)
+        names.push_back(file.m_name);
+    std::sort(names.begin(), names.end());
+    auto const twice = std::adjacent_find(names.begin(), names.end());
+    if (twice != names.end())
+        failed(NEB_HERE, *twice, "two files would have this name in the archive");
+}
+
+// Dates are local time; the format's begin in 1980.
+zip_fileinfo makeFileInfo(std::time_t time)
+{
+    std::tm local{};
+    localtime_r(&time, &local);
+    if (local.tm_year < 80)
+        local = {0, 0, 0, 1, 0, 80, 0, 0, -1, 0, nullptr};
+    zip_fileinfo info{};
+    info.tmz_date = {static_cast<uInt>(local.tm_sec),  static_cast<uInt>(local.tm_min),
+                     static_cast<uInt>(local.tm_hour), static_cast<uInt>(local.tm_mday),
+                     static_cast<uInt>(local.tm_mon),  static_cast<uInt>(local.tm_year)};
+    return info;
+}
+
+// Raised where the archive, not one of the files, is what fails.
+struct ArchiveFailed : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
 };
 
-void write(std::string const& archive, std::string const& directory, char const* base,
-           ZipSource const& source)
+// An archive that takes its name only when all that was to be written can be read back.
+class ArchiveOutput
 {
-    ARXZipFile zip;
-    zip.create(archive.c_str());
-    Unfinished unfinished(archive);
+public:
+    explicit ArchiveOutput(std::string const& archive) : m_name(archive), m_file(archive, s_anybody)
     {
-        Progress const progress(source.m_sizes, Progress::Watch::bytesRead);
-        zip.addDirectory(directory.c_str(), base, true, false);
-        zip.close();
+        m_zip.create(m_file.getPath().c_str());
     }
-    // The closing of an archive reports nothing, a full disk included, so what came out is counted.
-    auto const written = static_cast<std::size_t>(ARXUnzipFile(archive.c_str()).getFileCount());
-    if (written != source.m_sizes.size())
-        failed(NEB_HERE, archive + ": " + std::to_string(written) + " of " +
-                             std::to_string(source.m_sizes.size()) + " files were written");
-    unfinished.finish();
+
+    // Raises NEBException where file can't be read as it was found.
+    void add(SourceFile& file, Progress& progress)
+    {
+        InputFile input(file.m_path);
+        zip_fileinfo info = makeFileInfo(file.m_time);
+        write([&] { m_zip.openNewFileInZip(file.m_name.c_str(), &info, nullptr, s_method, s_level); });
+        std::uint64_t size = 0;
+        for (auto* piece = &input.readPiece(); !piece->empty() && size <= file.m_size;
+             piece = &input.readPiece())
+        {
+            auto* const bytes = reinterpret_cast<unsigned char*>(piece->data());
+            write([&] { m_zip.writeInFileInZip(bytes, static_cast<unsigned>(piece->size())); });
+            file.m_crc = NEBUtCrc32::crc32(file.m_crc, piece->data(), piece->size());
+            size += piece->size();
+            progress.addBytes(piece->size());
+        }
+        if (size != file.m_size)
+            failed(NEB_HERE, file.m_path, "grew or shrank while it was read");
+        progress.addFile();
+    }
+
+    // The library reports nothing when it closes an archive, so everything is read back.
+    void place(SourceFiles const& files)
+    {
+        write([this] { m_zip.close(); });
+        naming(m_name, [&] { verify(files); });
+        m_file.place();
+    }
+
+private:
+    template <class Action>
+    void write(Action const& action)
+    {
+        errno = 0;
+        try
+        {
+            action();
+        }
+        catch (NEBThrowable const& error)
+        {
+            std::string const reason = errno != 0 ? std::strerror(errno) : reasonOf(error);
+            throw ArchiveFailed(m_name + ": can't be written: " + reason);
+        }
+        if (fs::file_size(m_file.getPath()) >= s_limit)
+            throw ArchiveFailed(m_name + ": would have 4 GiB or more, which is too much for an archive");
+    }
+
+    void verify(SourceFiles const& files) const
+    {
+        ArchiveInput archive(m_file.getPath());
+        auto file = files.begin();
+        auto const compare = [&](ArchiveInput::Entry const& entry)
+        {
+            archive.copyEntry(entry, [](char const*, std::size_t) {});
+            if (file == files.end() || entry.szFileName != file->m_name || entry.crc != file->m_crc)
+                failed(NEB_HERE, "was not written as it was read");
+            ++file;
+        };
+        if (archive.visitEntries(compare) != files.size())
+            failed(NEB_HERE, "not all files were written");
+    }
+
+    std::string m_name;
+    OutputFile m_file;
+    ARXZipFile m_zip;
+};
+
+std::string resolved(fs::path const& path)
+{
+    return path.empty() ? path : fs::weakly_canonical(path);
 }
 
 int zip(ZipOptions const& options)
 {
-    // Resolved here, so that an archive inside the tree is recognised and left out of itself.
-    std::string const archive = resolved(options.m_archive);
+    if (options.m_archive == "-")
+        failed(NEB_HERE, "an archive can't go to standard output: sizes are filled in later");
+    // Its folder without links, so that an archive in the tree is left out of itself; a link as archive is
+    // refused.
+    fs::path const given = fs::absolute(options.m_archive);
+    std::string const archive = fs::path(resolved(given.parent_path())) / given.filename();
     std::string const directory = resolved(options.m_directory);
-    std::string const base = options.m_flat ? std::string() : resolved(options.m_base);
-    bool const isRelativeToDirectory = !options.m_flat && options.m_base.empty();
+    std::string const base = options.m_base.empty() ? directory : resolved(options.m_base);
 
-    ZipSource const source(directory, archive);
-    write(archive, directory, isRelativeToDirectory ? nullptr : base.c_str(), source);
-    for (std::string const& path : source.m_leftOut)
-        std::cerr << "left out, since its path begins with the archive's: " << path << '\n';
-    std::cout << source.m_sizes.size() << " files\n";
+    SourceFiles files;
+    collect(files, directory, options.m_flat ? "" : base, archive);
+    requireUniqueNames(files);
+    ArchiveOutput output(archive);
+    std::size_t failures = 0;
+    {
+        Progress progress;
+        for (SourceFile& file : files)
+        {
+            try
+            {
+                output.add(file, progress);
+            }
+            catch (NEBThrowable const& error)
+            {
+                printError(reasonOf(error));
+                ++failures;
+            }
+        }
+        if (failures == 0)
+            output.place(files);
+    }
+    if (failures != 0)
+        failed(NEB_HERE, archive, "is not written: " + std::to_string(failures) + " files can't be read");
+    std::cout << files.size() << " files\n";
     return 0;
 }
 }  // namespace
@@ -87,9 +247,11 @@ void addZipCommand(CLI::App& app, Action& chosen)
 {
     auto const options = std::make_shared<ZipOptions>();
     CLI::App* command = app.add_subcommand("zip", "Pack a directory tree into a new archive");
-    command->add_option("ARCHIVE", options->m_archive, "The archive; an existing one is replaced")
+    command
+        ->add_option("ARCHIVE", options->m_archive,
+                     "The archive; an existing one is replaced, but only by one that holds every file")
         ->required();
-    command->add_option("DIR", options->m_directory)->required()->check(CLI::ExistingDirectory);
+    command->add_option("DIR", options->m_directory, "The directory")->required();
     CLI::Option* base =
         command->add_option("--base", options->m_base, "Name entries relative to this directory");
     command->add_flag("--flat", options->m_flat, "Name entries by the last element alone")->excludes(base);

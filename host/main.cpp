@@ -1,30 +1,111 @@
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <iostream>
 
+#include <malloc.h>
+
+#include "Commands.h"
+#include "Failure.h"
+#include "Interrupt.h"
 #include "NEBCFGAPI/NEBConfigurationStore.h"
-#include "host/Commands.h"
-#include "host/Failure.h"
 
 namespace
 {
 int constexpr s_exitFailure = 2;
 
+char const* const s_exitCodes =
+    "0: done, or the answer is yes. 1: the answer is no. 2: failure, told on standard error in a line each, "
+    "\"arxhost: COMMAND: OBJECT: REASON\". A signal ends the work, removes what is not complete, and shows "
+    "as 128 "
+    "and the signal's number.";
+
+struct GlobalOptions
+{
+    std::string m_config;
+    bool m_trace = false;
+};
+
 void addCommands(CLI::App& app, Action& chosen)
 {
-    for (auto const add :
-         {addTourCommand, addSignCommand, addCheckCommand, addSealCommand, addUnsealCommand, addZipCommand,
-          addUnzipCommand, addListCommand, addCatCommand, addQpCommand, addPathCommand, addChecksumCommand})
+    for (auto const add : {addTourCommand, addSignCommand, addCheckCommand, addSealCommand, addUnsealCommand,
+                           addZipCommand, addUnzipCommand, addListCommand, addCatCommand, addQpCommand,
+                           addPathCommand, addChecksumCommand, addManualCommands})
         add(app, chosen);
     app.require_subcommand(1);
 }
 
-int run(int argc, char** argv)
+void addOptions(CLI::App& app, GlobalOptions& options)
 {
+    app.fallthrough();  // they may stand after the command too
+    app.footer(s_exitCodes);
+    app.set_version_flag("--version", ARXHOST_VERSION, "Print the version and exit");
+    app.add_option("--config", options.m_config, "File of settings, a line key=value each");
+    app.add_flag("--trace", options.m_trace,
+                 "Print with an error also its exception, messages and back trace");
+}
+
+int refuseUsage(CLI::App const& app, CLI::ParseError const& error)
+{
+    if (error.get_exit_code() == 0)
+        return app.exit(error);
+    if (!app.get_subcommands().empty())
+        setCommandName(app.get_subcommands().front()->get_name());
+    printError(std::string(error.what()) + " (see --help)");
+    return s_exitFailure;
+}
+
+int work(GlobalOptions const& options, Action const& chosen)
+{
+    if (!options.m_config.empty())
+        NEBConfigurationStore::getStore().load(options.m_config);
+    std::cout.exceptions(std::ios::badbit);
+    std::cerr.tie(nullptr);  // or an error's line would raise that of standard output
+    int const exitCode = chosen();
+    if (!std::cout.flush())  // failed just now, or where a destructor had to keep silent
+        systemFailed(NEB_HERE, "standard output");
+    return exitCode;
+}
+
+// Nothing that work has begun is alive when its failure is reported.
+int report(GlobalOptions const& options, Action const& chosen)
+{
+    try
+    {
+        return work(options, chosen);
+    }
+    catch (Interrupted const& interrupted)
+    {
+        dieBySignal(interrupted.m_signal);
+    }
+    catch (NEBThrowable const& error)
+    {
+        printError(reasonOf(error));
+        if (options.m_trace)
+            printTrace(error);
+    }
+    catch (std::ios_base::failure const&)
+    {
+        printError(std::string("standard output: ") + std::strerror(errno));
+    }
+    catch (std::exception const& error)
+    {
+        printError(error.what());
+    }
+    return s_exitFailure;
+}
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    // zlib's 268 KB of each entry stay in the process instead of going back to the system.
+    mallopt(M_TRIM_THRESHOLD, 2 << 20);
+    watchSignals();
+
     CLI::App app("Sample host of the ArxiumCommon library.", "arxhost");
-    std::string config;
+    GlobalOptions options;
     Action chosen;
-    app.fallthrough();  // --config may stand behind the command too
-    app.add_option("--config", config, "File of settings, a line key=value each")->check(CLI::ExistingFile);
+    addOptions(app, options);
     addCommands(app, chosen);
     try
     {
@@ -32,32 +113,8 @@ int run(int argc, char** argv)
     }
     catch (CLI::ParseError const& error)
     {
-        return app.exit(error) == 0 ? 0 : s_exitFailure;
+        return refuseUsage(app, error);
     }
-
-    if (!config.empty())
-        NEBConfigurationStore::getStore().load(config);
-    int const exitCode = chosen();
-    if (!std::cout.flush())
-        failed(NEB_HERE, "Standard output can't be written.");
-    return exitCode;
-}
-}  // namespace
-
-// Exit code 0: done, or the answer is yes. 1: the answer is no. 2: failure, told on standard error.
-int main(int argc, char** argv)
-{
-    try
-    {
-        return run(argc, argv);
-    }
-    catch (NEBThrowable& error)
-    {
-        printError(std::cerr, error);
-    }
-    catch (std::exception const& error)
-    {
-        std::cerr << "arxhost: " << error.what() << '\n';
-    }
-    return s_exitFailure;
+    setCommandName(app.get_subcommands().front()->get_name());
+    return report(options, chosen);
 }

@@ -77,15 +77,12 @@ std::size_t OsPlacedFile::write(void const* data, std::size_t size)
 
 bool OsPlacedFile::replace()
 {
-    if (!complete())
-        return false;
-    int const directory = m_directory.getDescriptor();
-    auto const rename = [&]
-    { return ::renameat(directory, m_temporaryName.c_str(), directory, m_name.c_str()); };
-    if (retryInterrupted(rename) != 0)
-        return fail("can't take its name");
-    m_temporaryName.clear();
-    return syncDirectory();
+    return complete() && takeName() && syncDirectory();
+}
+
+bool OsPlacedFile::replaceUnsynced()
+{
+    return isUsable() && (m_file.close() || fail("can't be closed")) && takeName();
 }
 
 bool OsPlacedFile::offer()
@@ -136,6 +133,17 @@ bool OsPlacedFile::complete()
     if (!m_file.sync())
         return fail("can't be synchronised with the disk");
     return m_file.close() || fail("can't be closed");
+}
+
+bool OsPlacedFile::takeName()
+{
+    int const directory = m_directory.getDescriptor();
+    auto const rename = [&]
+    { return ::renameat(directory, m_temporaryName.c_str(), directory, m_name.c_str()); };
+    if (retryInterrupted(rename) != 0)
+        return fail("can't take its name");
+    m_temporaryName.clear();
+    return true;
 }
 
 bool OsPlacedFile::remove()

@@ -43,6 +43,8 @@ public:
     // have been given all the same.
     bool replace();
     bool offer();
+    // As replace, but waits for no disk: for many files, after which the caller synchronises the file system.
+    bool replaceUnsynced();
 
     // Says what failed and why: "file NAME can't be created: No such file or directory". Empty if nothing
     // has.
@@ -52,6 +54,7 @@ private:
     bool createTemporary(unsigned mode, bool isExact);
     bool isUsable();
     bool complete();
+    bool takeName();
     bool remove();
     bool syncDirectory();
     bool fail(char const* what);

@@ -1,0 +1,303 @@
+"""What an operator sees of arxhost: exit codes, output, errors, and what lies on the disk afterwards."""
+
+import base64
+import json
+import os
+import re
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+import zipfile
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Callable
+
+ARXHOST = os.environ['ARXHOST']
+BIG = b''.join(b'needle %d%s' % (i, b' =\x80' if i % 7 else b'\n') for i in range(30000))
+SETTINGS = 'gatewayUrl=http://g/x\nexternalDispatcherUrl = http://e?x\n# comment\ndispatcherID=d1\n'
+
+
+@dataclass(frozen=True)
+class Row:
+    """One command line, run in a fresh folder with $A for arxhost; patterns match the whole text."""
+    name: str
+    command: str
+    exit_code: int = 0
+    output: str = ''
+    errors: str = ''
+    set_up: Callable[[], None] = lambda: None
+
+
+def archive(**contents):
+    """Makes NAME.zip of entries, for each NAME given."""
+    def make():
+        for name, entries in contents.items():
+            with zipfile.ZipFile(name + '.zip', 'w') as file:
+                for entry, data in entries.items():
+                    file.writestr(entry, data)
+    return make
+
+
+def damaged(entries, old, new):
+    """Makes z.zip of entries, with the last old in it replaced by new."""
+    def make():
+        archive(z=entries)()
+        head, _, tail = Path('z.zip').read_bytes().rpartition(old)
+        Path('z.zip').write_bytes(head + new + tail)
+    return make
+
+
+def many_files():
+    os.mkdir('many')
+    for i in range(65600):
+        Path('many', str(i)).touch()
+
+
+def huge_file():
+    os.truncate(os.open('dir/huge', os.O_CREAT | os.O_WRONLY), 1 << 32)
+
+
+def pipe_in_the_way():
+    archive(z={'fifo': b'1', 'ok': b'2'})()
+    os.mkdir('out')
+    os.mkfifo('out/fifo')
+
+
+def sealed_file():
+    subprocess.run([ARXHOST, 'seal', 'big', 'sealed'], check=True)
+
+
+def open_key():
+    sealed_file()
+    os.chmod('arxium/master.key', 0o644)
+
+
+OLD_STAYS = '; code=$?; cat old.zip; exit $code'
+ROWS = [
+    Row('SignsForTheGateway', '$A --config conf sign dir/f.txt --session s', 0,
+        r'http://g/x\?b_action=dc&f=Zi50eHQ&k=[-\w]{43}&s=[-\w]{43}&did=d1\n'),
+    Row('SignsForTheDispatcher', '$A sign dir/f.txt --session s --dispatcher --config conf', 0,
+        r'http://e\?x\?b_action.*\n'),
+    Row('RefusesToSignWhatIsNoFile', '$A sign dir --session s', 2,
+        errors='arxhost: sign: dir: is no regular file\n'),
+    Row('RefusesAnEmptySession', "$A sign dir/f.txt --session ''", 2,
+        errors='arxhost: sign: --session: must not be empty .*\n'),
+    Row('RefusesABrokenConfiguration', 'echo novalue > bad; $A --config bad sign dir/f.txt --session s', 2,
+        errors='arxhost: sign: bad:1: no "key=value"\n'),
+    Row('TellsWhyItDoesNotStart', '$A sign dir/f.txt --session s', 2,
+        errors='arxhost: sign: .*master.key is open to group or others.*\n', set_up=open_key),
+    Row('TellsExceptionsOnRequest', '$A --trace unseal big out', 2,
+        errors='arxhost: unseal: big: .*\nNEBException\n(.*\n)*  NEB_THROW at crypto/.*\n(.*\n)*'),
+    Row('TellsWrongUsage', '$A sign', 2, errors='arxhost: sign: FILE is required.*\n'),
+    Row('TakesItsTour', '$A tour dir/f.txt', 0,
+        r'(.*\n)*.*checked: right\n(.*\n)*.*copy refused\n.*stopped\n'),
+
+    Row('SealsAndUnseals', '$A seal big s && $A unseal s p && cmp big p && ! grep -q needle s && ls', 0,
+        'arxium\nbig\nconf\ndir\np\ns\n'),
+    Row('SealsFromAndUnsealsToStreams', 'cat big | $A seal - s && $A unseal s - | cmp - big'),
+    Row('RefusesStreamsThatCannotBe', '$A seal big -; $A unseal - p; $A zip - dir', 2,
+        errors="(arxhost: \\w+: an .* can't .*\n){3}"),
+    Row('KeepsUnsealedDataPrivate', 'umask 0; $A unseal sealed p; stat -c %a p', 0, '600\n', set_up=sealed_file),
+    Row('KeepsTheModeOfAReplacedFile', 'echo > o; chmod 640 o; $A seal big o; stat -c %a o', 0, '640\n'),
+    Row('RefusesALinkAsTarget', 'echo old > l; ln -s l o; $A seal big o; $A unseal sealed o; $A zip o dir; cat l', 0,
+        'old\n', '(arxhost: .*(not a regular|something else).*\n){3}', set_up=sealed_file),
+    Row('PlacesFilesOfTheLongestNames', 'n=$(printf %0255d 0); $A seal big $n && $A unseal $n ${n%0}1 && ls | wc -l', 0,
+        '6\n'),
+    Row('TellsAReadErrorWhileSealing', 'echo old > o; $A seal /proc/self/mem o; cat o; ls -A', 0,
+        'old\narxium\nbig\nconf\ndir\no\n', 'arxhost: seal: /proc/self/mem: Input/output error\n'),
+    Row('TellsAFullDiskWhileSealing', "trap '' XFSZ; ulimit -f 8; $A seal big o; ls -A", 0,
+        'arxium\nbig\nconf\ndir\n', 'arxhost: seal: o: File too large\n'),
+    Row('KeepsTheOldFileWhenUnsealingFails', 'echo old > p; truncate -s 70000 sealed; $A unseal sealed p; cat p; ls -A', 0,
+        'old\narxium\nbig\nconf\ndir\np\nsealed\n', 'arxhost: unseal: sealed: is damaged, .*\n', set_up=sealed_file),
+    Row('TellsAFullDiskBehindStandardOutput', '$A unseal sealed - > /dev/full; $A list z.zip > /dev/full; '
+        '$A qp < big > /dev/full', 2, errors='(arxhost: \\w+: standard output: No space left on device\n){3}',
+        set_up=lambda: (sealed_file(), archive(z={'a': b'1'})())),
+
+    Row('ZipsAndUnzips', '$A zip z.zip dir && $A unzip z.zip out && diff -r dir out', 0, '2 files\n2 entries\n'),
+    Row('ZipsWithABase', '$A zip z.zip dir/sub --base dir && $A list z.zip | cut -f 1,2', 0,
+        '1 files\nname\tsize\nsub/g.txt\t2\n'),
+    Row('ZipsFlatAndLeavesItselfOut', '$A zip ./dir/z.zip dir --flat && $A list dir/z.zip | cut -f 1', 0,
+        '2 files\nname\nf.txt\ng.txt\n'),
+    Row('RefusesToZipTwoFilesOfOneName', 'echo > dir/g.txt; $A zip z.zip dir --flat', 2,
+        errors='arxhost: zip: g.txt: two files .*\n'),
+    Row('KeepsTheDates', 'touch -d "2001-02-03 04:05:06" dir/f.txt; $A zip z.zip dir; $A unzip z.zip out; '
+        'date -r out/f.txt "+%F %T"', 0, '2 files\n2 entries\n2001-02-03 04:05:06\n'),
+    Row('ZipsNoFilesAtAll', 'mkdir e; $A zip z.zip e; $A list z.zip; $A unzip z.zip', 0,
+        '0 files\nname\t.*\n0 entries\n'),
+    Row('ZipsMoreThan65535Files', '$A zip z.zip many; $A list z.zip | tail -n +2 | wc -l; $A unzip z.zip out', 0,
+        '65600 files\n65600\n65600 entries\n', set_up=many_files),
+    Row('RefusesToZipAFileOf4GiB', 'echo old > old.zip; $A zip old.zip dir' + OLD_STAYS, 2, 'old\n',
+        'arxhost: zip: .*/dir/huge: has 4 GiB or more, .*\n', set_up=huge_file),
+    Row('NamesFilesThatCannotBeRead', 'ln -s /proc/self/mem dir/a; ln -s /proc/self/mem dir/b; echo old > old.zip; '
+        '$A zip old.zip dir; cat old.zip; ls -A', 0, 'old\nbig\nconf\ndir\nold.zip\n',
+        '(arxhost: zip: .*/dir/[ab]: Input/output error\n){2}.*not written: 2 files.*\n'),
+    Row('NamesFilesThatGrow', 'ln -s /proc/self/status dir/a; echo old > old.zip; $A zip old.zip dir' + OLD_STAYS, 2,
+        'old\n', 'arxhost: zip: .*/dir/a: grew or shrank .*\n.*\n'),
+    Row('ZipsAllOrTellsAShortageOfDescriptors', 'for n in $(seq 4 12); do echo old > z; (ulimit -n $n; $A zip z dir) '
+        '>> log 2>&1 && $A cat z sub/g.txt || cat z; done | sort -u', 0, 'g\nold\n'),
+    Row('TellsAFullDiskWhileZipping', "head -c 99999 /dev/urandom > dir/r; echo old > old.zip; trap '' XFSZ; "
+        'for n in $(seq 96 100); do (ulimit -f $n; $A zip old.zip dir); done; cat old.zip; ls -A', 0,
+        'old\nbig\nconf\ndir\nold.zip\n', '(arxhost: zip: .*old.zip.*: .*\n){5}'),
+
+    Row('PrintsAnEntry', '$A zip z.zip dir; $A cat z.zip sub\\\\g.txt; $A cat - sub/g.txt < z.zip; '
+        'cat z.zip | $A cat - f.txt', 0, '2 files\ng\ng\nf\n'),
+    Row('TellsAMissingEntry', '$A cat z.zip none', 1, errors='arxhost: cat: z.zip: no entry none\n',
+        set_up=archive(z={'a': b'1'})),
+    Row('TellsADamagedEntry', '$A cat z.zip a > /dev/null', 2, errors='arxhost: cat: a: is damaged: its checksum .*\n',
+        set_up=damaged({'a': b'right'}, b'right', b'wrong')),
+    Row('ListsForPrograms', '$A list --json z.zip', 0,
+        r'{"name":"q\\"\\\\\\u0001\\u009bä","size":1,"packed":1,"date":"20..-.*","crc":"83dcefb7"}\n',
+        set_up=archive(z={'q"\\\x01\x9bä': b'1'})),
+    Row('ListsNamesThatAreNotUtf8', '$A list --json z.zip; $A list z.zip | cut -f 1', 0,
+        '{"name":"n\ufffdx","nameHex":"6eff78",.*\nname\nn\\\\xffx\n', set_up=damaged({'nyx': b'1'}, b'nyx', b'n\xffx')),
+    Row('ShowsNoControlCharacter', '$A list z.zip | cut -f 1', 0, r'name\n\\x1b\\x7f\\xc2\\x9bä\n',
+        set_up=archive(z={'\x1b\x7f\x9bä': b'1'})),
+    Row('TellsABrokenDirectory', '$A list z.zip | tail -n +2 | cut -f 1; $A unzip z.zip out; ls out; $A cat z.zip c', 2,
+        'a\na\n', '(arxhost: \\w+: z.zip: is damaged: only 1 of 2 entries can be found\n){3}',
+        set_up=damaged({'a': b'1', 'b': b'2'}, b'PK\1\2', b'PK\1\3')),
+    Row('TellsWhatIsNoArchive', '$A unzip conf; $A list dir; $A list none; $A cat none x; : | $A list -', 2,
+        errors='.*unzip: conf: is no zip archive\n.*list: dir: Is a directory\n.*list: none: No such file .*\n'
+        '.*cat: none: No such file .*\n.*list: standard input: is no zip archive\n'),
+
+    Row('UnzipsFromStreams', '$A unzip - o1 < z.zip; cat z.zip | $A unzip - o2; cat o1/a o2/a; $A unzip - < z.zip', 2,
+        '1 entries\n1 entries\n11', 'arxhost: unzip: FOLDER is required .*\n', set_up=archive(z={'a': b'1'})),
+    Row('UnzipNamesWhatIsDamaged', 'mkdir out; echo old > out/b; $A unzip z.zip out; cat out/*', 0, 'oneold\nthree',
+        'arxhost: unzip: b: is damaged: .*\narxhost: unzip: z.zip: 1 of 3 entries failed\n',
+        set_up=damaged({'a': b'one', 'b': b'two', 'c': b'three'}, b'two', b'tow')),
+    Row('UnzipNamesWhatIsEncrypted', '$A unzip z.zip out', 2, errors='arxhost: unzip: a: is encrypted\n.*\n',
+        set_up=damaged({'a': b'1'}, b'PK\1\2\x14\x03\x14\0\0', b'PK\1\2\x14\x03\x14\0\1')),
+    Row('UnzipKeepsTheArchiveThatItReads', '$A unzip z.zip; $A cat z.zip z.zip', 0, '1',
+        'arxhost: unzip: z.zip: would replace the archive itself\n.*\n', set_up=archive(z={'z.zip': b'1'})),
+    Row('UnzipNeitherWaitsNorGivesUp', '$A unzip z.zip out; cat out/ok', 0, '2',
+        'arxhost: unzip: fifo: .*not a regular file.*\n.*\n', set_up=pipe_in_the_way),
+    Row('UnzipNamesWhatStandsInTheWay', 'mkdir -p out/a; echo > out/b; $A unzip z.zip out; cat out/d', 0, '3',
+        '.*unzip: a: .*not a regular file.*\n.*unzip: b/c: out/b: Not a directory\n.*2 of 3 .*\n',
+        set_up=archive(z={'a': b'1', 'b/c': b'2', 'd': b'3'})),
+    Row('UnzipStaysInItsFolder', '$A unzip z.zip in/out; find . -type f | grep -v -e dir/ | sort', 0, './big\n./conf\n./in/out/..x\n./in/out/b\n./z.zip\n',
+        '(arxhost: unzip: .*: leads outside the folder\n){6}.*entry 7: File name is larger .*\n.*7 of 9 .*\n',
+        set_up=archive(z=dict.fromkeys(['../x', '..\\x', '/x', '\\x', 'C:x', 'a/../../x', 'x' * 260, '..x', 'a/../b'], b''))),
+    Row('UnzipTellsAFullDisk', "trap '' XFSZ; ulimit -f 8; $A unzip z.zip out; ls -A out", 0, 'a\nc\n',
+        'arxhost: unzip: b: .*File too large\n.*1 of 3 .*\n', set_up=archive(z={'a': b'1', 'b': bytes(9999), 'c': b'3'})),
+
+    Row('EncodesQuotedPrintable', "printf 'a\\tb=\\303\\251 \\n' | $A qp; printf '\\ta\\t' | $A qp --trailing-tab-only", 0,
+        'a=09b=3D=C3=A9=20\n\ta=09'),
+    Row('WorksOnPaths', "$A path normalize 'C:\\a\\..\\b' a/./b; $A path absolute x /y --pwd C:/w; "
+        '$A path tail /a/b/c --base /a; $A path tail /a/b/c; $A path normalize /..', 2,
+        'c:/b\na/b\nC:/w/x\n/y\nb/c\nc\n', r"arxhost: path: /..: Cannot descend under root with '\.\.'\n"),
+    Row('ComparesPaths', "$A path compare a/b 'a\\b' && $A path compare a/b a/c", 1,
+        'equivalent\ndifferent from offset 2 on\n'),
+    Row('PrintsChecksums', '$A checksum AB; $A checksum --fold AB; $A checksum --fold ab', 0,
+        '44dbe8dc\ne34542d4\ne34542d4\n'),
+    Row('DescribesItself', '$A manual | grep -c "^\\.SS"; $A completion > c; bash -c \'. ./c; COMP_WORDS=(arxhost list --j); '
+        'COMP_CWORD=2; _arxhost; echo $COMPREPLY\'; $A --version', 0, '16\n--json\n1.*\n'),
+]
+
+
+class Scene(unittest.TestCase):
+    """A fresh current folder for each test, where the key lies too."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix='arxhost test ')
+        self.addCleanup(folder.cleanup)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(folder.name)
+        os.environ.update(XDG_STATE_HOME=folder.name, A=ARXHOST, LC_ALL='C.UTF-8')
+        os.makedirs('dir/sub')
+        Path('dir/f.txt').write_text('f\n')
+        Path('dir/sub/g.txt').write_text('g\n')
+        Path('conf').write_text(SETTINGS)
+        Path('big').write_bytes(BIG)
+
+
+class Commands(Scene):
+    def run_row(self, row):
+        row.set_up()
+        script = row.command.replace('$A', '"$A"')
+        result = subprocess.run(['sh', '-c', script], capture_output=True, text=True, errors='replace')
+        self.assertRegex(result.stdout, re.compile(r'\A(?:%s)\Z' % row.output))
+        self.assertRegex(result.stderr, re.compile(r'\A(?:%s)\Z' % row.errors))
+        self.assertEqual(row.exit_code, result.returncode)
+
+
+for each in ROWS:
+    setattr(Commands, 'test_' + each.name, lambda self, row=each: self.run_row(row))
+
+
+class SignedUrls(Scene):
+    """Each forgery of a good URL, and what check finds wrong in it."""
+
+    def check(self, url, session='s', config=()):
+        result = subprocess.run([ARXHOST, *config, 'check', url, '--session', session, '--json'], capture_output=True)
+        answer = json.loads(result.stdout)
+        self.assertEqual((result.returncode == 0, url), (answer['right'], answer['url']))
+        return ' '.join(reason.split()[0] for reason in answer['wrong'])
+
+    def test_OnlyTheWholeUrlIsRight(self):
+        config = ['--config', 'conf']
+        sign = [ARXHOST, *config, 'sign', 'dir/f.txt', '--session', 's', '--dispatcher']
+        good = subprocess.run(sign, capture_output=True, text=True).stdout.strip()
+        query = good[len('http://e?x'):]
+        k, s = re.search('&k=(.*)&s=(.*)&did', query).groups()
+        flipped = base64.urlsafe_b64encode(bytes([base64.urlsafe_b64decode(k + '=')[0] ^ 128])).decode()[:1]
+        for name, url, wrong in [
+                ('configured base path', good, ''),
+                ('no base path', query, ''),
+                ('path', '/any/path' + query, ''),
+                ('other base path with a query', 'http://f?x' + query, 'the'),
+                ('hidden in a query', '?f=ZXZpbA' + good, 'the'),
+                ('hidden in a fragment', 'x#' + query, 'the'),
+                ('bit of k', query.replace(k, flipped + k[1:]), 'k'),
+                ('unused bit of k', query.replace(k, k[:-1] + chr(ord(k[-1]) + 1)), 'k'),
+                ('cut k', query.replace(k, k[:-1]), 'k'),
+                ('longer s', query.replace(s, s + 'A'), 's'),
+                ('cut s', query.replace(s, ''), 's'),
+                ('k and s exchanged', query.replace(k, '-').replace(s, k).replace('-', s), 'k s'),
+                ('k as s', query.replace(s, k), 's'),
+                ('other file', query.replace('Zi50eHQ', 'Zi50eHU'), 'k s'),
+                ('second spelling of the file', query.replace('Zi50eHQ', 'Zi50eHR'), 'f'),
+                ('path as file', query.replace('Zi50eHQ', base64.b64encode(b'/f.txt').decode()), 'f'),
+                ('other dispatcher', query + 'x', 'did'),
+                ('no s', query.replace('&s=' + s, ''), 'the')]:
+            with self.subTest(name):
+                self.assertEqual(wrong, self.check(url, config=config))
+        self.assertEqual('s', self.check(query, 't', config))
+
+
+class Signals(Scene):
+    """A signal in the midst of work leaves no trace, and ends the process as that signal does."""
+
+    def files(self):
+        return sorted(path for path in Path('.').rglob('*') if path.parts[0] != 'arxium')
+
+    def interrupt(self, name, command, text=b''):
+        before = self.files()
+        with subprocess.Popen([ARXHOST, *command], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
+            process.stdin.write(text)
+            process.stdin.flush()
+            while process.poll() is None and not list(Path('.').rglob('.*-*')):
+                time.sleep(0.001)
+            process.send_signal(name)
+            self.assertEqual(-name, process.wait())
+        self.assertEqual(before, self.files())
+
+    def test_SealLeavesNothing(self):
+        self.interrupt(signal.SIGINT, ['seal', '-', 'sealed'], BIG)
+
+    def test_ZipLeavesNothing(self):
+        os.truncate(os.open('dir/zeros', os.O_CREAT | os.O_WRONLY), 3 << 30)
+        self.interrupt(signal.SIGTERM, ['zip', 'z.zip', 'dir'])
+
+    def test_UnsealAndUnzipLeaveNothing(self):
+        Path('zeros').write_bytes(bytes(200 << 20))
+        os.mkdir('out')
+        subprocess.run([ARXHOST, 'seal', 'zeros', 'sealed'], check=True)
+        with zipfile.ZipFile('z.zip', 'w') as file:
+            file.write('zeros')
+        self.interrupt(signal.SIGHUP, ['unseal', 'sealed', 'plain'])
+        self.interrupt(signal.SIGINT, ['unzip', 'z.zip', 'out'])
+
+
+if __name__ == '__main__':
+    unittest.main()
