@@ -7,7 +7,8 @@ function(arxium_configure target)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
-        BUILD_RPATH_USE_ORIGIN ON)
+        BUILD_RPATH_USE_ORIGIN ON
+        UNITY_BUILD OFF)  # helpers in unnamed namespaces may have equal names
     # Files above 2 GiB and times after 2038 where a long has 32 bits.
     if(CMAKE_SIZEOF_VOID_P EQUAL 4)
         target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
