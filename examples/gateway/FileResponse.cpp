@@ -85,6 +85,7 @@ void describeFile(std::string const& name, httplib::Response& response)
     std::replace_if(
         plain.begin(), plain.end(), [](char c) { return c < ' ' || c > '~' || c == '"' || c == '%'; }, '_');
     response.set_header("Content-Type", type.m_name);
+    response.set_header("Cache-Control", "private, no-cache");
     response.set_header("Content-Disposition", std::string(type.m_isShown ? "inline" : "attachment") +
                                                    "; filename=\"" + plain + "\"; filename*=UTF-8''" +
                                                    percentEncode(name));
@@ -99,8 +100,6 @@ void respondWithFile(httplib::Request const& request, httplib::Ranges const& ran
     response.set_header("ETag", etag);
     response.set_header("Last-Modified", modified);
     response.set_header("Accept-Ranges", "bytes");
-    response.set_header("Cache-Control",
-                        "private, no-cache");  // kept by the browser, asked for again each time
 
     response.status = checkConditions(request, etag, modified);
     if (response.status != 200)

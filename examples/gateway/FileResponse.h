@@ -11,8 +11,8 @@
 #include "Journal.h"
 #include "StoredFile.h"
 
-// Sets Content-Type by the extension of the name, and Content-Disposition. Browsers are to show only what
-// can't run scripts here.
+// Sets Content-Type by the extension of the name, Content-Disposition, and Cache-Control: a browser may keep
+// the file but asks again each time. Browsers are to show only what can't run scripts here.
 void describeFile(std::string const& name, httplib::Response& response);
 
 // The whole file, or the range that the request asks for, or 304, 412 or 416. Several ranges at once give the

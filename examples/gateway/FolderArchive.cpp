@@ -14,7 +14,8 @@ namespace
 // The format's 4 GiB, less some room for the directory of entries.
 std::uint64_t constexpr s_largestArchive = 0xffff0000;
 
-// Goes down by open folders, so that no link put in place meanwhile leads out.
+// Opens each folder from the one above it, so that a symbolic link that is put in place meanwhile leads
+// nowhere.
 class FolderWalk
 {
 public:

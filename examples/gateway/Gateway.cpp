@@ -282,7 +282,6 @@ void Gateway::serveFolder(Exchange& exchange)
     auto const archive = makeArchive(folder);
     describeFile(name + ".zip", exchange.m_response);
     exchange.m_response.status = 200;
-    exchange.m_response.set_header("Cache-Control", "private, no-cache");
     sendBytes(archive, 0, archive->getSize(), m_journal, exchange.m_response);
 }
 

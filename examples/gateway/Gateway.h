@@ -8,7 +8,8 @@
 //     POST /upload             stores a file (multipart/form-data: store, which is "sealed" or "plain"; file)
 //     GET  /metrics            for Prometheus; needs no session, so keep it from the outside
 //
-// A signed link names a file and a session. It is made again and compared as a whole.
+// A signed link names a file and a session. It is made again and compared as a whole. The server's threads
+// serve requests at the same time; only the journal is changed by them.
 
 #ifndef ARXGATE_GATEWAY_H
 #define ARXGATE_GATEWAY_H
@@ -27,10 +28,11 @@ public:
     // root is the folder of the stored files. accelPrefix: see --accel; empty without.
     Gateway(std::string const& root, std::string const& usersFile, std::string accelPrefix);
 
-    // Both must outlive the server's work.
+    // The gateway must outlive the server.
     void install(httplib::Server& server);
 
 private:
+    // A request on its way through the gateway.
     struct Exchange
     {
         httplib::Request const& m_request;

@@ -39,7 +39,7 @@ Handle openSealed(std::string const& path, std::uint64_t offset)
     return handle;
 }
 
-// Releases what a handle gave out.
+// Releases what a handle returned.
 struct FreeMemory
 {
     ARXKRYHandleI* m_handle;

@@ -18,7 +18,7 @@ std::string decodeWeb64(std::string text);
 std::string findCookie(std::string const& cookies, std::string const& name);
 // Compares in a time that depends on the sizes alone.
 bool isEqual(std::string const& left, std::string const& right);
-// strftime; in UTC unless the format asks for the zone (%z).
+// strftime of a time in UTC.
 std::string formatTime(char const* format, std::time_t time);
 // With a blank before each group of three digits.
 std::string groupDigits(std::uint64_t number);

@@ -39,7 +39,7 @@ private:
     bool m_isInFile = false;
     std::uint64_t m_size = 0;
     NEBUtHRTimer m_timer;
-    OsPlacedFile m_file;  // goes after the stream, which finishes what it wrote
+    OsPlacedFile m_file;  // destroyed after m_stream, which finishes what it wrote
     ARXOJDSecureFileOutputStream m_stream;
 };
 

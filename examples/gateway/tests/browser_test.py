@@ -21,7 +21,7 @@ FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-
 
 
 class Browser:
-    """Chromium behind chromedriver."""
+    """Chromium, driven by chromedriver."""
 
     def __init__(self):
         self._driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, text=True)

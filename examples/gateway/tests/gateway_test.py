@@ -164,7 +164,7 @@ class GatewayTest(unittest.TestCase):
             self.assertEqual(sorted(archive.namelist()), ["deep/a.txt", "sealed.pdf"])
             self.assertEqual(archive.read("sealed.pdf"), self.content)
 
-    def test_request_behind_an_unread_body_is_not_served(self):
+    def test_request_after_an_unread_body_is_not_served(self):
         host, port = self.gate.url[7:].split(":")
         inner = b"GET /metrics HTTP/1.1\r\nHost: a\r\n\r\n"
         head = b"POST /other HTTP/1.1\r\nHost: a\r\nContent-Length: %d\r\n\r\n" % len(inner)
