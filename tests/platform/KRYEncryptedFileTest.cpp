@@ -1,6 +1,8 @@
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include <sys/resource.h>
@@ -264,17 +266,27 @@ TEST_F(KRYEncryptedFile, AFailedWriteIsFinal)
     EXPECT_EQ(KRY_SUCCESS, session.finish()) << "the session has no set-up";
 }
 
-TEST_F(KRYEncryptedFile, EndsOfSessionsLeaveTheOldFile)
+TEST_F(KRYEncryptedFile, IsDiscardedOnceTheCallInItsSessionEnds)
 {
     writeFile(m_path, "old");
-    for (bool const reap : {false, true})
+    std::string const piece = plainOf(10 * s_segment);
+    for (bool const isStop : {false, true})
     {
         KRYTestSession session;
         EXPECT_EQ(KRY_SUCCESS, session.cipher(m_path));
-        EXPECT_EQ(KRY_SUCCESS, session.protect(plainOf(3 * s_segment)));
-        EXPECT_EQ(KRY_SUCCESS, session.closingDocument());
-        EXPECT_EQ(KRY_SUCCESS, reap ? stop(s_service) : session.close());
+        std::atomic<int> writes{0};
+        auto const write = [&]
+        {
+            while (KRY_SUCCEEDED(session.protect(piece)))
+                ++writes;
+        };
+        std::thread writer(write);
+        while (writes < 2)
+            std::this_thread::yield();
+        void* token = session.m_session;
+        EXPECT_EQ(KRY_SUCCESS, isStop ? stop(s_service) : KRY_CloseHandle(&token, nullptr, nullptr));
         EXPECT_EQ("old", readAll(m_path));
         EXPECT_EQ(1, countNames());
+        writer.join();
     }
 }
