@@ -7,6 +7,7 @@ import re
 import signal
 import socket
 import subprocess
+import time
 import unittest
 import zipfile
 
@@ -176,9 +177,17 @@ class GatewayTest(unittest.TestCase):
 
     def test_log_and_metrics(self):
         self.gate.curl('/no%0a"line')
-        self.assertRegex(self.gate.read_log(),
-                         r'(?m)^127\.0\.0\.1 - - \[[^]]+ \+0000\] "GET /no%0a\\x22line HTTP/1\.1" 404 23$')
-        self.assertRegex(self.gate.curl("/metrics").body.decode(), r'(?m)^arxgate_requests_total\{code="404"\} [1-9]')
+        self.assert_soon(r'(?m)^127\.0\.0\.1 - - \[[^]]+ \+0000\] "GET /no%0a\\x22line HTTP/1\.1" 404 23$',
+                         self.gate.read_log)
+        self.assert_soon(r'(?m)^arxgate_requests_total\{code="404"\} [1-9]',
+                         lambda: self.gate.curl("/metrics").body.decode())
+
+    def assert_soon(self, pattern, read):
+        """A request is logged and counted after its response has been sent."""
+        deadline = time.monotonic() + 10
+        while not re.search(pattern, read()) and time.monotonic() < deadline:
+            time.sleep(0.05)
+        self.assertRegex(read(), pattern)
 
     def test_end_waits_for_requests_in_flight(self):
         large = self.site.store("large.bin", os.urandom(20000000))
