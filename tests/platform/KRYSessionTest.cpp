@@ -22,6 +22,7 @@ Statuses statusesFor(void* token)
         KRY_UnprotectData(token, nullptr, 0, &text, &size, nullptr),
         KRY_CloseHandle(&token, nullptr, nullptr),
         token ? KRY_CryptoGetLastErrorDetails(token, nullptr, &details) : KRY_ERROR_SESSION};
+    KRY_CryptoFree(details, nullptr);
     return statuses;
 }
 }  // namespace
