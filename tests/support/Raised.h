@@ -23,14 +23,6 @@ inline Lines describe(NEBThrowable const& error)
     return lines;
 }
 
-inline Lines concatenated(std::initializer_list<Lines> parts)
-{
-    Lines all;
-    for (Lines const& part : parts)
-        all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
 inline std::string joined(Lines const& lines, char const* separator = " | ")
 {
     std::string text;
