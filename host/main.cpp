@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <iostream>
@@ -94,9 +95,8 @@ int report(GlobalOptions const& options, Action const& chosen)
     }
     return s_exitFailure;
 }
-}  // namespace
 
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     // zlib's 268 KB of each entry stay in the process instead of going back to the system.
     mallopt(M_TRIM_THRESHOLD, 2 << 20);
@@ -117,4 +117,18 @@ int main(int argc, char** argv)
     }
     setCommandName(app.get_subcommands().front()->get_name());
     return report(options, chosen);
+}
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try
+    {
+        return run(argc, argv);
+    }
+    catch (std::exception const&)  // memory lacks even for the report
+    {
+        std::fputs("arxhost: Cannot allocate memory\n", stderr);
+    }
+    return s_exitFailure;
 }
