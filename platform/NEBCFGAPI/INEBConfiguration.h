@@ -1,4 +1,9 @@
 // The configuration as its readers see it. Any thread may call.
+//
+// Example:
+//     #include "NEBCFGAPI/NEBConfigurationFactory.h"
+//     INEBConfiguration& configuration = NEBConfigurationFactory::getInstance();
+//     bool const hasGateway = !configuration.getConfigurationValue("gatewayUrl", nullptr).empty();
 
 #ifndef NEBCFGAPI_INEBCONFIGURATION_H
 #define NEBCFGAPI_INEBCONFIGURATION_H

@@ -1,4 +1,11 @@
 // A failed assertion. Its message is exactly the assertion's text.
+//
+// Example:
+//     #include "frame/Arxium.h"
+//     #include <string>
+//     std::string assertion;
+//     try { Arxium::terminate(); }  // without a start
+//     catch (NEBAssertError const& error) { assertion = error.getMessage(); }
 
 #ifndef NEBCORE_NEBASSERTERROR_H
 #define NEBCORE_NEBASSERTERROR_H

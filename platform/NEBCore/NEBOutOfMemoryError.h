@@ -1,4 +1,11 @@
 // Lack of memory.
+//
+// Example:
+//     #include "text/ARNEBI18NBuffer.h"
+//     ARNEBI18NBuffer buffer;
+//     bool fits = true;
+//     try { buffer.reserve(1ull << 62); }
+//     catch (NEBOutOfMemoryError const&) { fits = false; }  // the buffer is as it was
 
 #ifndef NEBCORE_NEBOUTOFMEMORYERROR_H
 #define NEBCORE_NEBOUTOFMEMORYERROR_H

@@ -1,4 +1,12 @@
 // Another standard exception that left a guarded allocation. Its message is that exception's what().
+//
+// Example:
+//     #include <stdexcept>
+//     try { throw std::runtime_error("no such file"); }
+//     catch (std::exception const& caught)
+//     {
+//         NEBStdExceptionError(caught).hurl(NEB_HERE, "Loader::load", "NEB_THROW");
+//     }
 
 #ifndef NEBCORE_NEBSTDEXCEPTIONERROR_H
 #define NEBCORE_NEBSTDEXCEPTIONERROR_H

@@ -1,4 +1,13 @@
 // Receives the text of a document from the DOM library. A writer serves one thread at a time.
+//
+// Example:
+//     #include <string>
+//     struct TextWriter : DomWriter
+//     {
+//         void write(char const* data, int size) override { m_text += std::string(data, data + size); }
+//         void endline() override { m_text += '\n'; }
+//         std::string m_text;
+//     };
 
 #ifndef NEBIDOM_DOMWRITER_H
 #define NEBIDOM_DOMWRITER_H

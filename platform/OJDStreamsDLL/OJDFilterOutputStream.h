@@ -1,5 +1,17 @@
 // Base of streams that change bytes on their way to another stream, their target. A filter and its target
 // serve one thread at a time.
+//
+// Example:
+//     struct Counter : OJDFilterOutputStream
+//     {
+//         using OJDFilterOutputStream::OJDFilterOutputStream;
+//         void write(char const* data, std::size_t size) override
+//         {
+//             m_count += size;
+//             m_target->write(data, size);
+//         }
+//         std::size_t m_count = 0;
+//     };
 
 #ifndef OJDSTREAMSDLL_OJDFILTEROUTPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDFILTEROUTPUTSTREAM_H

@@ -2,6 +2,15 @@
 //
 // Operations that read return the number of bytes, or s_end, the std::size_t with every bit set, if the
 // stream has ended and there are none.
+//
+// Example:
+//     #include "zip/ARXZipInputStream.h"
+//     ARXZipInputStream zip("/tmp/backup.zip");
+//     OJDInputStream& stream = zip;
+//     char bytes[4096];
+//     if (zip.locate("a/b") && zip.openCurrentEntry())
+//         while (stream.read(bytes, sizeof bytes) != OJDInputStream::s_end)
+//             continue;  // use the bytes
 
 #ifndef OJDSTREAMSDLL_OJDINPUTSTREAM_H
 #define OJDSTREAMSDLL_OJDINPUTSTREAM_H

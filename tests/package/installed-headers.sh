@@ -1,11 +1,16 @@
 #!/bin/sh
-# Every header under PREFIX compiles alone from what is installed, and so does the example in its comment. It includes
-# nothing but the C++ library, minizip and its own kind: no header of the operating system or of OpenSSL. All together
-# they compile as C++20 and 23 too. Usage: installed-headers.sh PREFIX
+# Every header under PREFIX compiles alone from what is installed, and so does the example that its comment must have. It
+# includes nothing but the C++ library, minizip and its own kind: no header of the operating system or of OpenSSL. All
+# together they compile as C++20 and 23 too. Usage: installed-headers.sh PREFIX
 set -eu
 cd "$1/include/ArxiumCommon"
 foreign=$(grep -rn '^ *# *include *<' . | grep -vE '<([a-z_]+|minizip/(zip|unzip|ioapi)\.h)>' || true)
 [ -z "$foreign" ] || { echo "$foreign"; exit 1; }
+
+# These declare only what other headers use.
+helpers='(ArxiumExport|NEBCoreExport|NEBFileLocation|NEBMessage(Base|Components)|NEBSharedList|NEBTextError|NEBThread(Annotations|LockableResource))'
+silent=$(find . -name '*.h' -exec grep -L '^// Example:$' {} + | grep -vE "/$helpers\.h$" || true)
+[ -z "$silent" ] || { echo "no example in: $silent"; exit 1; }
 
 print_example() {
     awk '/^\/\/ Example:$/ { inside = 1; next } !/^\/\/(    |$)/ { inside = 0 } inside { sub("^// *", ""); print }' "$1"
