@@ -20,6 +20,7 @@ std::size_t constexpr s_endRecordSize = 22;
 std::size_t constexpr s_longestComment = 65535;
 std::size_t constexpr s_locatorSize = 20;
 std::size_t constexpr s_zip64RecordSize = 56;
+std::size_t constexpr s_headerSize = 46;  // of an entry in the directory (4.3.12)
 // Encrypted, strongly encrypted, masked directory (APPNOTE.TXT, 4.4.4).
 std::uint32_t constexpr s_encryptedFlags = 1u << 0 | 1u << 6 | 1u << 13;
 
@@ -45,35 +46,71 @@ std::string countOf(std::uint64_t part, std::uint64_t whole)
     return std::to_string(part) + " of " + std::to_string(whole);
 }
 
-// The stream's walk can't tell its end from a broken directory, so the entries are counted.
-std::uint64_t readEntryCount(std::FILE* file, std::string const& name)
+// The central directory, as the end of the archive describes it.
+struct Directory
+{
+    std::uint64_t m_count;  // of entries; 65535 may stand for more
+    std::uint64_t m_size;
+    std::uint64_t m_end;  // its position
+};
+
+Directory findDirectory(std::FILE* file, std::string const& name)
 {
     fseeko(file, 0, SEEK_END);
     auto const size = static_cast<std::uint64_t>(ftello(file));
     std::size_t const tailSize =
         std::min<std::uint64_t>(size, s_locatorSize + s_endRecordSize + s_longestComment);
     std::string const tail = readAt(file, size - tailSize, tailSize);
+    std::size_t const end = tail.rfind("PK\5\6");
     if (std::ferror(file))
         systemFailed(NEB_HERE, name);
-    std::size_t const end = tail.rfind("PK\5\6");
     if (end == std::string::npos || tail.size() - end < s_endRecordSize)
         failed(NEB_HERE, name, "is no zip archive");
 
     if (end >= s_locatorSize && tail.compare(end - s_locatorSize, 4, "PK\6\7") == 0)
     {
-        std::string const record =
-            readAt(file, numberAt(tail, end - s_locatorSize + 8, 8), s_zip64RecordSize);
-        if (record.size() == s_zip64RecordSize)
-            return numberAt(record, 32, 8);
+        std::uint64_t const position = numberAt(tail, end - s_locatorSize + 8, 8);
+        std::string const record = readAt(file, position, s_zip64RecordSize);
+        if (record.size() == s_zip64RecordSize && record.compare(0, 4, "PK\6\6") == 0)
+            return {numberAt(record, 32, 8), numberAt(record, 40, 8), position};
     }
-    return numberAt(tail, end + 10, 2);
+    return {numberAt(tail, end + 10, 2), numberAt(tail, end + 12, 4), size - tailSize + end};
+}
+
+// Counts the headers in a directory, and one more where it breaks off.
+std::uint64_t countHeaders(std::string const& directory)
+{
+    std::uint64_t count = 0;
+    std::size_t position = 0;
+    while (position + s_headerSize <= directory.size() && directory.compare(position, 4, "PK\1\2") == 0)
+    {
+        std::size_t const header = position;
+        position += s_headerSize;
+        for (std::size_t const length : {28, 30, 32})  // of its name, extra field and comment
+            position += numberAt(directory, header + length, 2);
+        ++count;
+    }
+    return position == directory.size() ? count : count + 1;
+}
+
+// The stream's walk ends alike at the last entry, in a broken directory, and where the end record counts too
+// few.
+std::uint64_t countEntries(std::FILE* file, std::string const& name)
+{
+    Directory const directory = findDirectory(file, name);
+    if (directory.m_size > directory.m_end)
+        failed(NEB_HERE, name, "is damaged: its directory has a wrong size");
+    std::string const headers = readAt(file, directory.m_end - directory.m_size, directory.m_size);
+    if (std::ferror(file))
+        systemFailed(NEB_HERE, name);
+    return std::max(directory.m_count, countHeaders(headers));
 }
 }  // namespace
 
 ArchiveInput::ArchiveInput(std::string const& path) : m_name(path == "-" ? "standard input" : path)
 {
     open(path);
-    m_count = readEntryCount(m_file.get(), m_name);
+    m_count = countEntries(m_file.get(), m_name);
     if (m_count != 0)
         m_stream = naming(m_name, [this] { return std::make_unique<ARXZipInputStream>(m_file.get()); });
 }
@@ -110,8 +147,9 @@ bool ArchiveInput::toNext()
     bool const isEntry = m_stream && (m_seen == 0 ? m_stream->getFirstEntry() : m_stream->getNextEntry());
     if (!isEntry && std::ferror(m_file.get()))
         systemFailed(NEB_HERE, m_name);
-    if (!isEntry && m_seen < m_count)  // 65535 may stand for more
-        failed(NEB_HERE, m_name, "is damaged: only " + countOf(m_seen, m_count) + " entries can be found");
+    if (!isEntry && m_seen < m_count)
+        failed(NEB_HERE, m_name,
+               "is damaged: its directory breaks off after entry " + std::to_string(m_seen));
     m_seen += isEntry ? 1 : 0;
     return isEntry;
 }

@@ -28,7 +28,7 @@ public:
     ArchiveInput& operator=(ArchiveInput const&) = delete;
 
     // Goes to the first entry, then to the next; false at the end. Raises if the walk ends before all entries
-    // were seen that the archive's end record counts.
+    // of the directory were seen.
     bool toNext();
     // Describes the current entry. Raises for a name that is too long for the library.
     Entry readEntry();
@@ -54,7 +54,7 @@ private:
     std::string m_name;
     std::string m_bytes;  // of an archive that came through a pipe
     std::unique_ptr<std::FILE, Close> m_file;
-    std::uint64_t m_count;  // entries, as the end record tells
+    std::uint64_t m_count;  // of entries in the directory
     std::uint64_t m_seen = 0;
     std::unique_ptr<ARXZipInputStream> m_stream;  // null for an archive without entries
 };

@@ -107,10 +107,16 @@ int unzip(UnzipOptions const& options)
         folder = fs::canonical(options.m_archive).parent_path();
     makeFolder(folder);
     std::uint64_t count = 0;
+    try
     {
         Progress progress;
         count = archive.visitEntries([&](ArchiveInput::Entry const& entry)
                                      { extract(archive, entry, folder, options.m_ignorePath, progress); });
+    }
+    catch (NEBThrowable const&)
+    {
+        syncFileSystem(folder);  // what was right stays
+        throw;
     }
     syncFileSystem(folder);
     std::cout << count << " entries\n";

@@ -52,7 +52,9 @@ int refuseUsage(CLI::App const& app, CLI::ParseError const& error)
         return app.exit(error);
     if (!app.get_subcommands().empty())
         setCommandName(app.get_subcommands().front()->get_name());
-    printError(std::string(error.what()) + " (see --help)");
+    std::vector<std::string> const unknown = app.remaining(true);
+    printError((unknown.empty() ? error.what() : unknown[0] + ": no such command, option or argument") +
+               " (see --help)");
     return s_exitFailure;
 }
 

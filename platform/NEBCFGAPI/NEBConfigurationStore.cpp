@@ -1,5 +1,6 @@
 #include "NEBCFGAPI/NEBConfigurationStore.h"
 
+#include <cerrno>
 #include <cstring>
 #include <fstream>
 
@@ -56,7 +57,7 @@ void NEBConfigurationStore::load(std::string const& path)
 {
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        refuse(path, ": can't be opened");
+        refuse(path, std::string(": ") + std::strerror(errno));
 
     Settings read;
     std::string line;
@@ -76,7 +77,7 @@ void NEBConfigurationStore::load(std::string const& path)
             refuse(path, place + ": \"" + key + "\" is set twice");
     }
     if (file.bad())
-        refuse(path, ": can't be read");
+        refuse(path, std::string(": ") + std::strerror(errno));
 
     // Neither step needs memory, so that all settings of the file are taken or none.
     NEBThreadGuard const guard(m_lock);
