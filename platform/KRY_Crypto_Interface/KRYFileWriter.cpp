@@ -1,11 +1,8 @@
 #include "KRY_Crypto_Interface/KRYFileWriter.h"
 
 #include <algorithm>
-#include <atomic>
-#include <new>
 
 #include <openssl/crypto.h>
-#include <pthread.h>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 
@@ -14,28 +11,10 @@ namespace
 constexpr std::size_t s_segmentSize = KRYFileHeader::s_segmentSize;
 constexpr std::size_t s_tagSize = KRYFileHeader::s_tagSize;
 constexpr unsigned s_mode = 0666;  // less the umask
-
-std::atomic<unsigned> s_generation{0};
-
-int countForks()
-{
-    if (::pthread_atfork(nullptr, nullptr, [] { ++s_generation; }) != 0)
-        throw std::bad_alloc();
-    return 0;
-}
-
-// One more in each child than in its parent. A process number would cost a system call at each short write.
-unsigned getGeneration()
-{
-    static int const s_counting = countForks();
-    static_cast<void>(s_counting);
-    return s_generation;
-}
 }  // namespace
 
 KRYFileWriter::KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID)
     : m_cipher(KRYFileHeader(keys), serviceID),
-      m_generation(getGeneration()),
       m_segment(std::make_unique<unsigned char[]>(s_segmentSize + s_tagSize))
 {
     require(m_file.create(std::string(target), s_mode));
@@ -49,26 +28,17 @@ KRYFileWriter::~KRYFileWriter()
 
 void KRYFileWriter::append(char const* data, std::size_t size)
 {
-    run([&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
+    m_sticky.run([&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
 }
 
 void KRYFileWriter::finish()
 {
-    run(
+    m_sticky.run(
         [&]
         {
             writeSegment(true);
             require(m_file.replace());
         });
-}
-
-template <class Work>
-void KRYFileWriter::run(Work work)
-{
-    if (m_generation != getGeneration())
-        throw KRYError(KRY_ERROR_STATE,
-                       "the file is being written by the process that this one was forked from");
-    m_sticky.run(work);
 }
 
 void KRYFileWriter::gather(unsigned char const* data, std::size_t size)

@@ -4,8 +4,9 @@
 // and if the object is destroyed without, the target stays as it was. A file that replaces another takes over
 // its mode.
 //
-// Only the process that made the object writes: two that went on with one file would use one nonce for
-// different data, which gives both away.
+// Only the process that made the object writes: a forked child that went on with the file would use the
+// nonces of its parent for different data, which gives both away. OsPlacedFile refuses each segment of a
+// child.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYFILEWRITER_H
 #define KRY_CRYPTO_INTERFACE_KRYFILEWRITER_H
@@ -33,8 +34,6 @@ public:
     void finish();
 
 private:
-    template <class Work>
-    void run(Work work);
     void gather(unsigned char const* data, std::size_t size);
     void writeSegment(bool last);
     void require(bool succeeded) const;
@@ -42,7 +41,6 @@ private:
     OsPlacedFile m_file;
     KRYSegmentCipher m_cipher;
     KRYSticky m_sticky;
-    unsigned const m_generation;  // of the process that made the object
 
     // A full segment waits here until more data shows that it is not the last.
     std::unique_ptr<unsigned char[]> m_segment;

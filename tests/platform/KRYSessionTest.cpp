@@ -1,10 +1,6 @@
-#include <array>
-#include <atomic>
 #include <vector>
 
 #include "platform/KRYStarted.h"
-#include "support/TemporaryFolder.h"
-#include "support/Threads.h"
 
 namespace
 {
@@ -13,31 +9,26 @@ using Statuses = std::vector<std::int32_t>;
 // What each function returns for that token.
 Statuses statusesFor(void* token)
 {
-    char *text = nullptr, *details = nullptr, name[] = "serviceID";
+    char *text = nullptr, name[] = "serviceID";
     std::uint32_t size = 0;
-    Statuses const statuses = {
+    return {
         KRY_SetInfo(token, "<setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>", nullptr),
         KRY_GetInfo(token, name, &text, nullptr),
         KRY_ProtectData(token, "", 0, &text, &size, nullptr),
         KRY_UnprotectData(token, nullptr, 0, &text, &size, nullptr),
         KRY_CloseHandle(&token, nullptr, nullptr),
-        token ? KRY_CryptoGetLastErrorDetails(token, nullptr, &details) : KRY_ERROR_SESSION};
-    KRY_CryptoFree(details, nullptr);
-    return statuses;
+    };
 }
 }  // namespace
 
 TEST_F(KRYStarted, NullStaleAndForeignSessionsAreRefused)
 {
     KRYTestSession open, closed;
-    auto const number = reinterpret_cast<std::uintptr_t>(open.m_session);
-    auto const stale = reinterpret_cast<std::uintptr_t>(closed.m_session);
+    void* const stale = closed.m_session;
     EXPECT_EQ(KRY_SUCCESS, closed.close());
-    EXPECT_EQ(nullptr, closed.m_session);
     KRYTestSession next;  // in the stale one's place
-    for (std::uintptr_t const token : {std::uintptr_t{0}, stale, reinterpret_cast<std::uintptr_t>(&open),
-                                       std::uintptr_t{1}, ~std::uintptr_t{0}, number ^ 1})
-        EXPECT_EQ(Statuses(6, KRY_ERROR_SESSION), statusesFor(reinterpret_cast<void*>(token))) << token;
+    for (void* const token : {static_cast<void*>(nullptr), stale, static_cast<void*>(&open)})
+        EXPECT_EQ(Statuses(5, KRY_ERROR_SESSION), statusesFor(token)) << token;
     EXPECT_EQ(KRY_SUCCESS, open.sign());
     EXPECT_EQ(KRY_SUCCESS, next.sign());
 }
@@ -62,40 +53,42 @@ TEST_F(KRYStarted, MissingArgumentsAreRefused)
         KRY_CryptoGetLastErrorDetails(token, nullptr, nullptr),
     };
     EXPECT_EQ(Statuses(statuses.size(), KRY_ERROR_ARGUMENT), statuses);
-    EXPECT_EQ(KRY_SUCCESS, KRY_GetInfo(token, name, &text, nullptr));
-    EXPECT_EQ("TALM", taken(text));
+    EXPECT_EQ("TALM", session.getInfo("serviceID"));
 }
 
-TEST_F(KRYStarted, ManyThreadsSignAlikeUntilTheirSessionGoes)
+TEST_F(KRYStarted, ARefusedStartTellsWhyUntilTheNextOne)
 {
-    for (bool const reap : {false, true})
-    {
-        KRYTestSession shared;
-        std::array<KRYTestSession, 8> owns;
-        std::string expected;
-        ASSERT_EQ(KRY_SUCCESS, shared.sign());
-        ASSERT_EQ(KRY_SUCCESS, shared.protect("x", &expected));
-        std::atomic<int> count{0};
-        auto const work = [&](int thread)
-        {
-            auto const number = static_cast<std::size_t>(thread);
-            if (number == owns.size())
-            {
-                while (count < 2000)
-                    std::this_thread::yield();
-                void* token = shared.m_session;
-                EXPECT_EQ(KRY_SUCCESS, reap ? stop(s_service) : KRY_CloseHandle(&token, nullptr, nullptr));
-                return;
-            }
-            owns[number].sign();
-            for (std::int32_t status = KRY_SUCCESS; status == KRY_SUCCESS; ++count)
-            {
-                std::string digest, ownDigest;
-                status = shared.protect("x", &digest);
-                EXPECT_TRUE(status == KRY_ERROR_SESSION || digest == expected);
-                EXPECT_TRUE(owns[number].protect("x", &ownDigest) != KRY_SUCCESS || ownDigest == expected);
-            }
-        };
-        onThreads(9, work);
-    }
+    char* details = nullptr;
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, KRY_CryptoInitialize(nullptr, nullptr, &details));
+    EXPECT_EQ("document refused: it is null", taken(details));
+    EXPECT_EQ("document refused: it is null", lastFailure(nullptr));
+    EXPECT_EQ("", start());
+    EXPECT_EQ("", lastFailure(nullptr));
+}
+
+TEST_F(KRYStarted, ARefusedSetUpChangesNothing)
+{
+    KRYTestSession session;
+    ASSERT_EQ(KRY_SUCCESS, session.sign());
+    EXPECT_EQ(KRY_ERROR_DOCUMENT, session.setUp("<action>Secret</action>"));
+    EXPECT_EQ(KRY_SUCCESS, session.protect("data"));
+    EXPECT_EQ("document refused: its elements are none that set a session up",
+              lastFailure(session.m_session));
+}
+
+TEST_F(KRYStarted, ServiceIDsAreASet)
+{
+    EXPECT_EQ("", start("B"));
+    EXPECT_EQ("", start("B"));
+    KRYTestSession session;
+    EXPECT_EQ(KRY_SUCCESS, stop());
+    EXPECT_EQ(KRY_SUCCESS, session.sign()) << "B is still started";
+    EXPECT_EQ(KRY_SUCCESS, stop("B"));
+    EXPECT_EQ(KRY_ERROR_SESSION, session.sign()) << "the last stop closes sessions";
+    EXPECT_EQ(KRY_ERROR_STATE, stop("B"));
+
+    std::string const config = serviceDocument("sessionConfigDocument", "B");
+    EXPECT_EQ(KRY_ERROR_STATE,
+              KRY_PersistentInitialize(&session.m_session, config.c_str(), nullptr, nullptr));
+    EXPECT_EQ(nullptr, session.m_session);
 }

@@ -22,12 +22,6 @@ inline void writeFile(std::string const& path, std::string_view bytes, mode_t mo
     ASSERT_EQ(0, chmod(path.c_str(), mode));
 }
 
-// "<name>content</name>"
-inline std::string element(std::string const& name, std::string const& content)
-{
-    return "<" + name + ">" + content + "</" + name + ">";
-}
-
 // The text of details, which are freed.
 inline std::string taken(char* details)
 {
@@ -36,63 +30,66 @@ inline std::string taken(char* details)
     return text;
 }
 
-// Starts and stops take a document of that content; a start puts its details in text.
-inline std::int32_t start(std::string const& content, std::string* text = nullptr)
+inline std::string serviceDocument(std::string const& root, std::string const& id)
+{
+    return "<" + root + "><serviceID>" + id + "</serviceID></" + root + ">";
+}
+
+// Returns why the start failed; empty after success.
+inline std::string start(std::string const& id = "Arxium")
 {
     char* details = nullptr;
-    std::string const document = element("initializeDocument", content);
+    std::string const document = serviceDocument("initializeDocument", id);
     std::int32_t const status = KRY_CryptoInitialize(document.c_str(), nullptr, &details);
-    EXPECT_EQ(KRY_SUCCEEDED(status), details == nullptr);
-    std::string const reason = taken(details);
-    if (text)
-        *text = reason;
-    return status;
+    EXPECT_EQ(KRY_SUCCEEDED(status), !details);
+    return taken(details);
 }
-inline std::int32_t stop(std::string const& content)
+inline std::int32_t stop(std::string const& id = "Arxium")
 {
-    return KRY_CryptoTerminate(element("terminateDocument", content).c_str(), nullptr, nullptr);
+    return KRY_CryptoTerminate(serviceDocument("terminateDocument", id).c_str(), nullptr, nullptr);
 }
-constexpr char s_service[] = "<serviceID>Arxium</serviceID>";
+
+// Why the last call in a session failed, or the last start if there is no session.
+inline std::string lastFailure(void* session)
+{
+    char* details = nullptr;
+    EXPECT_EQ(KRY_SUCCESS, KRY_CryptoGetLastErrorDetails(session, nullptr, &details));
+    return taken(details);
+}
 
 struct KRYTestSession
 {
     explicit KRYTestSession(std::string const& id = "ARXIUM")
     {
-        std::string const document = element("sessionConfigDocument", element("serviceID", id));
+        std::string const document = serviceDocument("sessionConfigDocument", id);
         EXPECT_EQ(KRY_SUCCESS, KRY_PersistentInitialize(&m_session, document.c_str(), nullptr, nullptr));
     }
     ~KRYTestSession() { close(); }
     KRYTestSession(KRYTestSession const&) = delete;
-    KRYTestSession& operator=(KRYTestSession const&) = delete;
 
     std::int32_t close() { return KRY_CloseHandle(&m_session, nullptr, nullptr); }
-
-    std::int32_t setUp(std::string const& content)
+    std::int32_t setUp(std::string const& elements)
     {
-        return KRY_SetInfo(m_session, element("setInfoDocument", content).c_str(), nullptr);
+        std::string const document = "<setInfoDocument>" + elements + "</setInfoDocument>";
+        return KRY_SetInfo(m_session, document.c_str(), nullptr);
     }
     std::int32_t sign() { return setUp("<action>CSKHMAC</action><dataLocation>memory</dataLocation>"); }
     std::int32_t cipher(std::string const& path)
     {
-        return setUp("<action>CipherStream</action>" + element("fileOutput", path));
+        return setUp("<action>CipherStream</action><fileOutput>" + path + "</fileOutput>");
     }
-    std::int32_t decipher(std::string const& path, std::string const& offset = "")
+    std::int32_t decipher(std::string const& path, std::size_t offset = 0)
     {
-        return setUp("<action>DecipherStream</action>" + element("fileInput", path) +
-                     (offset.empty() ? "" : element("offset", offset)));
+        return setUp("<action>DecipherStream</action><fileInput>" + path + "</fileInput><offset>" +
+                     std::to_string(offset) + "</offset>");
     }
     std::int32_t closingDocument() { return setUp("<dataLocation>file</dataLocation>"); }
     std::int32_t finish() { return closingDocument() == KRY_SUCCESS ? protect("") : KRY_ERROR_INTERNAL; }
 
     std::int32_t protect(std::string_view data, std::string* out = nullptr)
     {
-        std::uint32_t count = 7;
+        std::uint32_t count = 7;  // is not looked at
         return transfer(KRY_ProtectData, data, count, out);
-    }
-    // Appends the next bytes to out.
-    std::int32_t unprotect(std::uint32_t wanted = 0, std::string* out = nullptr)
-    {
-        return transfer(KRY_UnprotectData, {}, wanted, out);
     }
     // Appends all the rest to out, at most wanted bytes at once: success for a clean end.
     std::int32_t readAll(std::string& out, std::uint32_t wanted = 0)
@@ -114,18 +111,11 @@ struct KRYTestSession
         KRY_CryptoFree(bytes, nullptr);
         return status;
     }
-
     std::string getInfo(std::string name)
     {
         char* text = nullptr;
         KRY_GetInfo(m_session, name.data(), &text, nullptr);
         return taken(text);
-    }
-    std::string lastFailure()
-    {
-        char* details = nullptr;
-        EXPECT_EQ(KRY_SUCCESS, KRY_CryptoGetLastErrorDetails(m_session, nullptr, &details));
-        return taken(details);
     }
 
     void* m_session = nullptr;
@@ -136,16 +126,16 @@ struct KRYStarted : testing::Test
     KRYStarted() { startWithKey(m_key); }
     ~KRYStarted() override
     {
-        stop(s_service);
+        stop();
         NEBConfigurationStore::getStore().clear();
     }
 
     void startWithKey(std::string const& key)
     {
-        stop(s_service);
+        stop();
         writeFile(m_keyFolder / "key", key);
         NEBConfigurationStore::getStore().setValue("cryptoKeyFile", (m_keyFolder / "key").c_str());
-        EXPECT_EQ(KRY_SUCCESS, start(s_service));
+        EXPECT_EQ("", start());
     }
 
     std::string const m_key = "0123456789abcdefghijklmnopqrstuv";
