@@ -2,8 +2,11 @@
 //
 // Example:
 //     #include "crypto/ARXKRYHandleI.h"
-//     auto const useBriefly = [](ARXKRYHandleFactoryWorkerI& maker) {
-//     maker.destroyHandle(maker.createHandle()); }; static_cast<void>(useBriefly);
+//     auto const useBriefly = [](ARXKRYHandleFactoryWorkerI& maker)
+//     {
+//         maker.destroyHandle(maker.createHandle());
+//     };
+//     static_cast<void>(useBriefly);
 
 #ifndef ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKERI_H
 #define ARXIUM_CRYPTO_ARXKRYHANDLEFACTORYWORKERI_H

@@ -20,7 +20,8 @@ class ARXIUM_API ARXMessage : public NEBMessage
 public:
     // Message id of the library's own message file. Write 0u for number 0, since 0 could also be a null text.
     explicit ARXMessage(std::uint32_t id);
-    // Number 0 of the message file of that name.
+    // Number 0 of the message file of that name. Take the library's own from ARXI18NRes, whose first call
+    // makes its messages known.
     explicit ARXMessage(char const* messageFile);
     ~ARXMessage() override;
 

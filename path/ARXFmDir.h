@@ -74,12 +74,10 @@ public:
     // Replaces every "\" by "/".
     static void normalizePathSeparator(std::string& path);
 
-    // The canonical form: drive letter in lower case, only "/", no ".", no doubled or trailing separators,
-    // and
-    // ".." resolved as far as the text allows; "." if nothing is left. An empty path and a ".." above the
-    // root
-    // "/" raise NEBAssertError. Links are not followed. The result is its own canonical form, with one
-    // exception: "./C:/x" gives "C:/x", which now has a drive prefix.
+    // The canonical form: drive letter in lower case, only "/", no doubled or trailing separators, no ".",
+    // and no ".." that the text allows to resolve; "." if nothing is left. An empty path raises
+    // NEBAssertError, and so does a ".." above the root "/". Links are not followed. The result is its own
+    // canonical form, with one exception: "./C:/x" gives "C:/x", which now has a drive prefix.
     static void getNormalizedPath(std::string const& path, std::string& out);
 
     // Puts path under pwd unless path is absolute; nothing is normalised. If both have a drive prefix, path

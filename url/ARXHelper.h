@@ -31,9 +31,8 @@ public:
     // releases it by delete[]. Without memory std::bad_alloc is raised.
     static char* createWeb64(NEBByteBuffer const& input);
 
-    // Replaces output by the percent-encoded text of UTF-16 code units, for the query of a URL (RFC 3986,
-    // with
-    // "+" for a blank as HTML forms have it). Letters, digits and ( ) * - . _ stay; all else becomes the
+    // Replaces output by the percent-encoded text of UTF-16 code units, for the query of a URL (RFC 3986; a
+    // blank becomes "+", as in HTML forms). Letters, digits and ( ) * - . _ stay; all else becomes the
     // escapes of its UTF-8 bytes in small hexadecimal digits. The two halves of a surrogate pair are escaped
     // one by one, in three bytes each. With keepAscii every unit below 0x80 stays, CR and LF too: never put
     // such a result in an HTTP header unchecked.

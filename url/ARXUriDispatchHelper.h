@@ -2,10 +2,9 @@
 //
 // A URL names the file by its last path component, without the folder, and carries two signatures (HMAC): k
 // of that name, and s of the name followed directly by the caller's session identifier. Begin every
-// identifier with
-// "/", which no file name holds, and never use an empty one: otherwise the signature of another name can be
-// the one that your session needs. docs/urls.md says why. The dispatcher id is not signed, and no signature
-// expires.
+// identifier with a "/", which no file name holds, and never use an empty one: otherwise the signature of
+// another name can be the one that your session needs. docs/urls.md says why. The dispatcher id is not
+// signed, and no signature expires.
 //
 // Names and identifiers are bytes in any encoding. Call between the first Arxium::initialize and the last
 // terminate, from any number of threads. NEBAssertError is raised for a path that ends in a separator, a null

@@ -15,7 +15,6 @@
 
 namespace
 {
-int constexpr s_createForWriting = 2;
 std::size_t constexpr s_copyBufferSize = 2048;
 std::uint32_t constexpr s_dosFolder = 0x10;
 char constexpr s_separators[] = "/\\";
@@ -196,7 +195,7 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
 bool ARXUnzipFile::extractTo(std::string const& target, UZ_FileInfo const& info)
 {
     NEBFmFile file;
-    if (isOpenArchive(target) || file.open(target, s_createForWriting, 0) == 0)
+    if (isOpenArchive(target) || file.open(target, NEBFmFile::s_createOrTruncate, 0) == 0)
         return false;
     if (!openReadableEntry(m_uzFile, info.flag, info.compressionMethod))
         return false;

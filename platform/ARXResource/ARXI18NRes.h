@@ -14,7 +14,8 @@ public:
     static int constexpr s_gatewaySetting = 6;         // "gatewayUrl", the name of a setting
     static int constexpr s_dispatcherSetting = 7;      // "externalDispatcherUrl", the name of a setting
 
-    // Returns the text of that number, empty for any other number. It lives as long as the process.
+    // Returns the text of that number, empty for any other number. It lives as long as the process. The first
+    // call makes the messages of the message file known: before it, naming that file finds none.
     static I18NString const& getString(int id);
 };
 

@@ -74,13 +74,11 @@ extern "C"
                                                   void* extra, char** details);
 
     // Sets what the session does from now on, by a `<setInfoDocument>` around one of these:
-    // - `<action>CSKHMAC</action><dataLocation>memory</dataLocation>`: KRY_ProtectData signs. The two
-    // elements
-    //   may change places.
-    // - `<action>CipherStream</action><fileOutput>NAME</fileOutput>`: KRY_ProtectData appends to a new
-    // encrypted
-    //   file. It takes its name when it is finished; until then an older file of the name stays. Refused
-    //   if the name belongs to anything but a regular file.
+    // - `<action>CSKHMAC</action><dataLocation>memory</dataLocation>`: KRY_ProtectData signs. Both
+    //   orders of the two elements are right.
+    // - `<action>CipherStream</action><fileOutput>NAME</fileOutput>`: KRY_ProtectData appends to a new,
+    //   encrypted file. It takes its name when it is finished; until then an older file of the name stays.
+    //   Refused if the name belongs to anything but a regular file.
     // - `<dataLocation>file</dataLocation>`, the closing document: the next KRY_ProtectData, without data,
     //   finishes the file. Without a file being written, both succeed and do nothing.
     // - `<action>DecipherStream</action><fileInput>NAME</fileInput>`: KRY_UnprotectData reads such a file.

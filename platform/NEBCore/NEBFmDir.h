@@ -37,10 +37,9 @@ public:
     // directory afterwards; one that existed counts as made. The empty path is the current directory.
     static int createRecursiveDir(std::string const& path);
 
-    // Replaces files by the names of regular files and links to such, and dirs by those of directories except
-    // ".",
-    // ".." and links; both are sorted by byte, and each may be null. Anything else is left out. Returns 0,
-    // with empty lists, if dirName is null or can't be read to its end.
+    // Replaces files by the names of regular files and links to such, and dirs by those of directories, but
+    // not of links to them nor of "." and ".."; both are sorted by byte, and each may be null. Anything else
+    // is left out. Returns 0, with empty lists, if dirName is null or can't be read to its end.
     static int readDir(char const* dirName, std::vector<std::string>* files, void*,
                        std::vector<std::string>* dirs, void*);
 

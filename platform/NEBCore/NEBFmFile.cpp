@@ -51,9 +51,11 @@ bool NEBFmFile::openForReading(std::string const& path)
     // The system opens directories for reading too.
     int const reason = !isKnown ? errno : status.m_type == OsFile::s_folder ? EISDIR : 0;
     if (reason == 0)
+    {
         m_remaining = status.m_type == OsFile::s_regularFile ? status.m_size : -1;
-    else
-        m_file.close();
+        return true;
+    }
+    m_file.close();
     errno = reason;
-    return reason == 0;
+    return false;
 }
