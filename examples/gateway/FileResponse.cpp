@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 
 #include "Text.h"
 
@@ -39,19 +38,14 @@ struct Part
     std::uint64_t m_length;
 };
 
-// What a range takes of size bytes; nothing if it lies beyond them. An end that is left out is negative.
-std::optional<Part> resolve(httplib::Range const& range, std::uint64_t size)
+// What a range takes of size bytes: nothing if it lies beyond them. An end that is left out is negative.
+Part resolve(httplib::Range const& range, std::uint64_t size)
 {
     auto const last = static_cast<std::uint64_t>(range.second);
     if (range.first < 0)
-    {
-        std::uint64_t const length = std::min(last, size);
-        return length != 0 ? std::optional(Part{size - length, length}) : std::nullopt;
-    }
-    auto const first = static_cast<std::uint64_t>(range.first);
-    if (first >= size)
-        return std::nullopt;
-    return Part{first, (range.second < 0 ? size - 1 : std::min(last, size - 1)) - first + 1};
+        return {size - std::min(last, size), std::min(last, size)};
+    std::uint64_t const first = std::min(static_cast<std::uint64_t>(range.first), size);
+    return {first, (range.second < 0 ? size : std::min(last + 1, size)) - first};
 }
 
 // An If-Range that is a date doesn't count: a file may change twice in a second.
@@ -61,19 +55,10 @@ bool isRangeWanted(httplib::Request const& request, httplib::Ranges const& range
            (!request.has_header("If-Range") || request.get_header_value("If-Range") == etag);
 }
 
-// The status of a condition that ends the request early, else 200.
-int checkConditions(httplib::Request const& request, std::string const& etag, std::string const& modified)
+bool isKnown(httplib::Request const& request, std::string const& etag)
 {
-    auto const lists = [&](char const* header)
-    {
-        std::string const value = request.get_header_value(header);
-        return value == "*" || value.find(etag) != std::string::npos;
-    };
-    if (request.has_header("If-Match") && !lists("If-Match"))
-        return 412;
-    if (request.has_header("If-None-Match"))
-        return lists("If-None-Match") ? 304 : 200;
-    return request.get_header_value("If-Modified-Since") == modified ? 304 : 200;
+    std::string const known = request.get_header_value("If-None-Match");
+    return known == "*" || known.find(etag) != std::string::npos;
 }
 }  // namespace
 
@@ -96,28 +81,26 @@ void respondWithFile(httplib::Request const& request, httplib::Ranges const& ran
                      httplib::Response& response)
 {
     std::string const etag = file->getETag();
-    std::string const modified = formatTime("%a, %d %b %Y %H:%M:%S GMT", file->getModified());
     response.set_header("ETag", etag);
-    response.set_header("Last-Modified", modified);
+    response.set_header("Last-Modified", formatTime("%a, %d %b %Y %H:%M:%S GMT", file->getModified()));
     response.set_header("Accept-Ranges", "bytes");
 
-    response.status = checkConditions(request, etag, modified);
-    if (response.status != 200)
+    response.status = isKnown(request, etag) ? 304 : 200;
+    if (response.status == 304)
         return;
-    std::string const size = std::to_string(file->getSize());
     if (!isRangeWanted(request, ranges, etag))
         return sendBytes(file, 0, file->getSize(), journal, response);
-    std::optional<Part> const part = resolve(ranges[0], file->getSize());
-    response.status = part ? 206 : 416;
-    if (!part)
-        return response.set_header("Content-Range", "bytes */" + size);
-    response.set_header("Content-Range", "bytes " + std::to_string(part->m_first) + "-" +
-                                             std::to_string(part->m_first + part->m_length - 1) + "/" + size);
-    sendBytes(file, part->m_first, part->m_length, journal, response);
+    Part const part = resolve(ranges[0], file->getSize());
+    std::string const size = "/" + std::to_string(file->getSize());
+    response.status = part.m_length != 0 ? 206 : 416;
+    if (response.status == 416)
+        return response.set_header("Content-Range", "bytes *" + size);
+    response.set_header("Content-Range", "bytes " + std::to_string(part.m_first) + "-" +
+                                             std::to_string(part.m_first + part.m_length - 1) + size);
+    sendBytes(file, part.m_first, part.m_length, journal, response);
 }
 
-// One call of the provider writes all: the server's stop waits for it, but would cut the body between two
-// calls. An exception that left it would end the process.
+// One call of the provider writes all. An exception that left it would end the process.
 void sendBytes(std::shared_ptr<StoredFile const> const& file, std::uint64_t first, std::uint64_t length,
                Journal& journal, httplib::Response& response)
 {

@@ -15,7 +15,7 @@
 // the file but asks again each time. Browsers are to show only what can't run scripts here.
 void describeFile(std::string const& name, httplib::Response& response);
 
-// The whole file, or the range that the request asks for, or 304, 412 or 416. Several ranges at once give the
+// The whole file, or the range that the request asks for, or 304 or 416. Several ranges at once give the
 // whole file, as RFC 9110 allows. ranges are those of the request.
 void respondWithFile(httplib::Request const& request, httplib::Ranges const& ranges,
                      std::shared_ptr<StoredFile const> const& file, Journal& journal,

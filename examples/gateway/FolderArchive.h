@@ -8,7 +8,7 @@
 #include "StoredFile.h"
 
 // All regular files below the folder, sealed ones as plain bytes; symbolic links are left out. Raises
-// std::runtime_error beyond 4 GiB.
-std::shared_ptr<StoredFile> makeArchive(Descriptor const& folder);
+// ARXException beyond 4 GiB.
+std::shared_ptr<StoredFile> makeArchive(OsFile const& folder);
 
 #endif

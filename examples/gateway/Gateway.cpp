@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <stdexcept>
+#include <set>
 #include <system_error>
 #include <vector>
 
 #include <fcntl.h>
 
+#include "NEBCore/NEBWeb64.h"
 #include "text/NEBUtHRTimer.h"
 #include "url/ARXUriDispatchHelper.h"
 
@@ -53,19 +54,21 @@ void redirectHome(httplib::Response& response, std::string const& cookie)
     response.set_redirect("/", 303);
 }
 
-// What follows the path of a link.
+// What follows the path of a link. No name holds "/", so name and session can't be mixed up in what is
+// signed.
 std::string signName(std::string const& name, std::string const& session)
 {
     std::string query;
-    ARXUriDispatchHelper::generateByteServingUrlFromBasePath(name, session.c_str(), query);
+    ARXUriDispatchHelper::generateByteServingUrlFromBasePath(name, ("/" + session).c_str(), query);
     return query;
 }
 
 // The name that the link is right for; empty for any wrong value.
 std::string findSignedName(httplib::Request const& request, std::string const& session)
 {
-    std::string const name = decodeWeb64(request.get_param_value("f"));
-    if (session.empty() || !isServableName(name))
+    std::string const text = request.get_param_value("f");
+    std::string name;
+    if (session.empty() || !NEBWeb64Decode(text.data(), text.size(), name) || !isServableName(name))
         return "";
     std::size_t const query = request.target.find('?');
     return isEqual(request.target.substr(query), signName(name, session)) ? name : "";
@@ -77,10 +80,20 @@ bool carriesBody(httplib::Request const& request)
     return request.has_header("Transfer-Encoding") || (!length.empty() && length != "0");
 }
 
-// For a request whose body was not read to its end: the server would take the rest for the next request.
+// Ends the connection after the response.
 void closeAfter(httplib::Response& response)
 {
     response.set_header("Connection", "close");
+    if (response.content_provider_)
+    {
+        response.content_provider_ = [send = std::move(response.content_provider_)](
+                                         std::size_t offset, std::size_t length, httplib::DataSink& sink)
+        {
+            send(offset, length, sink);
+            return false;
+        };
+        return;
+    }
     response.set_header("Content-Length", std::to_string(response.body.size()));
     auto const sendAll = [body = std::move(response.body)](std::size_t, httplib::DataSink& sink)
     {
@@ -91,17 +104,8 @@ void closeAfter(httplib::Response& response)
     setProvider(response, sendAll);
 }
 
-std::vector<std::string> listNames(Descriptor const& folder)
-{
-    std::vector<std::string> names;
-    for (auto const& entry : std::filesystem::directory_iterator(folder.getPath()))
-        if (!entry.is_symlink() && isServableName(entry.path().filename().string()))
-            names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-PageEntry makeEntry(Descriptor const& root, std::string const& name, std::string const& session)
+// Without a kind if it is neither a file nor a folder.
+PageEntry makeEntry(OsFile const& root, std::string const& name, std::string const& session)
 {
     PageEntry entry;
     entry.m_name = name;
@@ -109,19 +113,15 @@ PageEntry makeEntry(Descriptor const& root, std::string const& name, std::string
     timer.start();
     try
     {
-        if (auto const file = StoredFile::open(openBelow(root.get(), name, 0)))
+        if (auto const file = StoredFile::open(openBelow(root, name, 0)))
         {
             entry.m_kind = file->isSealed() ? "sealed" : "plain";
             entry.m_size = file->getSize();
-            entry.m_modified = file->getModified();
             entry.m_url = "/gateway" + signName(name, session);
         }
-        else if (Descriptor const folder = openBelow(root.get(), name, O_DIRECTORY))
+        else if (openBelow(root, name, O_DIRECTORY).isOpen())
         {
-            struct stat status = {};
-            ::fstat(folder.get(), &status);
             entry.m_kind = "folder";
-            entry.m_modified = status.st_mtime;
             entry.m_url = "/download.zip" + signName(name, session);
         }
     }
@@ -141,7 +141,6 @@ Gateway::Route const Gateway::s_routes[] = {
     {"/download.zip", s_readMethods, &Gateway::serveFolder},
     {"/metrics", s_readMethods, &Gateway::showMetrics},
     {"/session", "POST", &Gateway::logIn},
-    {"/logout", "POST", &Gateway::logOut},
     {"/upload", "POST", &Gateway::upload},
 };
 
@@ -150,25 +149,23 @@ Gateway::Gateway(std::string const& root, std::string const& usersFile, std::str
       m_accelPrefix(std::move(accelPrefix)),
       m_sessions(usersFile)
 {
-    if (!m_root)
+    if (!m_root.isOpen())
         throw std::system_error(errno, std::generic_category(), root);
 }
 
-// Methods that may carry a body wait for a handler that reads it; the server would collect it in memory for
-// others.
+// A POST waits for a handler that reads its body; all else is served before the server collects a body in
+// memory.
 void Gateway::install(httplib::Server& server)
 {
     server.set_default_headers({{"X-Content-Type-Options", "nosniff"},
                                 {"Referrer-Policy", "same-origin"},
                                 {"Cross-Origin-Resource-Policy", "same-origin"}});
-    auto const withBody = [this](httplib::Request const& request, httplib::Response& response,
-                                 httplib::ContentReader const& body) { dispatch(request, response, &body); };
-    server.Post(".*", withBody).Put(".*", withBody).Patch(".*", withBody).Delete(".*", withBody);
+    server.Post(".*", [this](httplib::Request const& request, httplib::Response& response,
+                             httplib::ContentReader const& body) { dispatch(request, response, &body); });
     server.set_pre_routing_handler(
         [this](httplib::Request const& request, httplib::Response& response)
         {
-            static std::set<std::string> const withBodies{"POST", "PUT", "PATCH", "DELETE"};
-            if (withBodies.count(request.method) != 0)
+            if (request.method == "POST")
                 return httplib::Server::HandlerResponse::Unhandled;
             dispatch(request, response, nullptr);
             return httplib::Server::HandlerResponse::Handled;
@@ -201,7 +198,8 @@ void Gateway::dispatch(httplib::Request const& request, httplib::Response& respo
         printCurrentException("a request");
         setText(response, 500, "The gateway failed; its log says why.");
     }
-    if (carriesBody(request) && !exchange.m_isBodyRead)
+    // Only what redirects has read a body to its end. The server would take the rest for the next request.
+    if (m_isEnding || (carriesBody(request) && response.status != 303))
         closeAfter(response);
 }
 
@@ -227,9 +225,14 @@ void Gateway::showPage(Exchange& exchange)
 {
     if (exchange.m_session.empty())
         return setPage(exchange.m_response, 200, makeLoginPage(""));
+    std::set<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(getPath(m_root)))
+        names.insert(entry.path().filename().string());
     std::vector<PageEntry> entries;
-    for (std::string const& name : listNames(m_root))
-        entries.push_back(makeEntry(m_root, name, exchange.m_session));
+    for (std::string const& name : names)
+        if (isServableName(name))
+            if (PageEntry entry = makeEntry(m_root, name, exchange.m_session); !entry.m_kind.empty())
+                entries.push_back(std::move(entry));
     std::string const notice = findCookie(exchange.m_request.get_header_value("Cookie"), "notice");
     setPage(exchange.m_response, 200, makeFilePage(entries, httplib::detail::decode_url(notice, false)));
 }
@@ -237,23 +240,18 @@ void Gateway::showPage(Exchange& exchange)
 void Gateway::logIn(Exchange& exchange)
 {
     std::string text;
-    exchange.m_isBodyRead = (*exchange.m_body)(
+    bool const isWhole = (*exchange.m_body)(
         [&text](char const* data, std::size_t size)
         {
             text.append(data, size);
             return text.size() <= s_longestLogin;
         });
     httplib::Request form;
-    if (exchange.m_isBodyRead)
+    if (isWhole)
         httplib::detail::parse_query_text(text, form.params);
     if (m_sessions.isPassword(form.get_param_value("user"), form.get_param_value("password")))
         return redirectHome(exchange.m_response, Sessions::begin());
     setPage(exchange.m_response, 403, makeLoginPage("This user and password don’t go together."));
-}
-
-void Gateway::logOut(Exchange& exchange)
-{
-    redirectHome(exchange.m_response, Sessions::end());
 }
 
 void Gateway::serveFile(Exchange& exchange)
@@ -261,7 +259,7 @@ void Gateway::serveFile(Exchange& exchange)
     std::string const name = findSignedName(exchange.m_request, exchange.m_session);
     if (name.empty())
         return forbid(exchange.m_response);
-    auto const file = StoredFile::open(openBelow(m_root.get(), name, 0));
+    auto const file = StoredFile::open(openBelow(m_root, name, 0));
     if (!file)
         return setText(exchange.m_response, 404, "There is no such file any more.");
     describeFile(name, exchange.m_response);
@@ -276,8 +274,8 @@ void Gateway::serveFolder(Exchange& exchange)
     std::string const name = findSignedName(exchange.m_request, exchange.m_session);
     if (name.empty())
         return forbid(exchange.m_response);
-    Descriptor const folder = openBelow(m_root.get(), name, O_DIRECTORY);
-    if (!folder)
+    OsFile const folder = openBelow(m_root, name, O_DIRECTORY);
+    if (!folder.isOpen())
         return setText(exchange.m_response, 404, "There is no such folder any more.");
     auto const archive = makeArchive(folder);
     describeFile(name + ".zip", exchange.m_response);
@@ -291,15 +289,11 @@ void Gateway::upload(Exchange& exchange)
         return forbid(exchange.m_response);
     if (!exchange.m_request.is_multipart_form_data())
         return setText(exchange.m_response, 415, "An upload is a form of type multipart/form-data.");
-    Upload upload(m_root);
-    exchange.m_isBodyRead = (*exchange.m_body)(
-        [&upload](httplib::MultipartFormData const& part) { return upload.begin(part); },
-        [&upload](char const* data, std::size_t size) { return upload.append(data, size); });
-    if (!exchange.m_isBodyRead || !upload.finish())
+    std::string const stored = storeUpload(m_root, *exchange.m_body);
+    if (stored.empty())
         return setText(exchange.m_response, 400, "There is no whole file here, or its name can't be used.");
-    m_journal.countStored(upload.getSize());
-    redirectHome(exchange.m_response, "notice=" + percentEncode(upload.describe()) +
-                                          "; Max-Age=10; Path=/; HttpOnly; SameSite=Strict");
+    redirectHome(exchange.m_response,
+                 "notice=" + percentEncode(stored) + "; Max-Age=10; Path=/; HttpOnly; SameSite=Strict");
 }
 
 void Gateway::showMetrics(Exchange& exchange)

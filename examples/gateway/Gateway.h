@@ -2,23 +2,24 @@
 //
 //     GET  /                   the files of the root as signed links, or the login
 //     POST /session            begins a session:  user=NAME&password=PASSWORD
-//     POST /logout             ends it
 //     GET  /gateway?...        a file of the root
 //     GET  /download.zip?...   a folder of the root
 //     POST /upload             stores a file (multipart/form-data: store, which is "sealed" or "plain"; file)
 //     GET  /metrics            for Prometheus; needs no session, so keep it from the outside
 //
 // A signed link names a file and a session. It is made again and compared as a whole. The server's threads
-// serve requests at the same time; only the journal is changed by them.
+// serve requests at the same time.
 
 #ifndef ARXGATE_GATEWAY_H
 #define ARXGATE_GATEWAY_H
 
+#include <atomic>
 #include <string>
 
 #include <httplib.h>
 
-#include "Descriptor.h"
+#include "os/OsFile.h"
+
 #include "Journal.h"
 #include "Sessions.h"
 
@@ -30,6 +31,8 @@ public:
 
     // The gateway must outlive the server.
     void install(httplib::Server& server);
+    // From now on each response is the last of its connection. Any thread may call.
+    void end() { m_isEnding = true; }
 
 private:
     // A request on its way through the gateway.
@@ -40,7 +43,6 @@ private:
         httplib::Response& m_response;
         httplib::ContentReader const* m_body;  // null for methods without
         std::string m_session;
-        bool m_isBodyRead = false;
     };
     struct Route
     {
@@ -54,7 +56,6 @@ private:
     void serve(Exchange& exchange);
     void showPage(Exchange& exchange);
     void logIn(Exchange& exchange);
-    void logOut(Exchange& exchange);
     void serveFile(Exchange& exchange);
     void serveFolder(Exchange& exchange);
     void upload(Exchange& exchange);
@@ -62,10 +63,11 @@ private:
 
     static Route const s_routes[];
 
-    Descriptor m_root;
+    OsFile m_root;
     std::string m_accelPrefix;
     Sessions m_sessions;
     Journal m_journal;
+    std::atomic<bool> m_isEnding{false};
 };
 
 #endif

@@ -68,6 +68,5 @@ std::string Journal::format() const
     appendCounter(text, "arxgate_request_seconds_total", "Time spent on requests.",
                   std::to_string(static_cast<double>(m_microseconds) / 1e6));
     appendCounter(text, "arxgate_sent_bytes_total", "Bytes of bodies sent.", std::to_string(m_sent));
-    appendCounter(text, "arxgate_stored_bytes_total", "Bytes of files uploaded.", std::to_string(m_stored));
     return text;
 }

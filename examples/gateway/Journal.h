@@ -18,7 +18,6 @@ class Journal
 public:
     void begin();
     void countSent(std::size_t bytes);
-    void countStored(std::size_t bytes) { m_stored += bytes; }
     // Writes a line in the common log format on standard error. Its size is that of the body as it was sent,
     // also where the response broke off.
     void end(httplib::Request const& request, httplib::Response const& response);
@@ -29,7 +28,6 @@ public:
 private:
     std::array<std::atomic<std::uint64_t>, 600> m_requests{};  // by status
     std::atomic<std::uint64_t> m_sent{0};
-    std::atomic<std::uint64_t> m_stored{0};
     std::atomic<std::uint64_t> m_microseconds{0};
 };
 

@@ -59,11 +59,6 @@ std::string sign(std::string const& identifier)
     return signature;
 }
 
-std::string formatCookie(std::string const& value, std::time_t seconds)
-{
-    return s_cookieName + "=" + value + "; Max-Age=" + std::to_string(seconds) +
-           "; Path=/; HttpOnly; Secure; SameSite=Strict";
-}
 }  // namespace
 
 std::string makeUserLine(std::string const& user, std::string const& password)
@@ -105,12 +100,8 @@ std::string Sessions::begin()
     std::array<char, 9> endText{};
     std::snprintf(endText.data(), endText.size(), "%08lx", end);
     std::string const identifier = makeRandom() + endText.data();
-    return formatCookie(identifier + sign(identifier), s_seconds);
-}
-
-std::string Sessions::end()
-{
-    return formatCookie("", 0);
+    return s_cookieName + "=" + identifier + sign(identifier) + "; Max-Age=" + std::to_string(s_seconds) +
+           "; Path=/; HttpOnly; Secure; SameSite=Strict";
 }
 
 std::string Sessions::find(std::string const& cookies)

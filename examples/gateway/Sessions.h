@@ -28,7 +28,6 @@ public:
     // A value for the Set-Cookie header that begins a session. Browsers send it back by TLS alone, except on
     // the loopback.
     static std::string begin();
-    static std::string end();
     // The session's identifier from the Cookie header: 40 characters, of them 128 random bits. Empty without
     // a session, or for one whose time is over.
     static std::string find(std::string const& cookies);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <stdexcept>
 #include <system_error>
@@ -60,62 +59,57 @@ std::uint64_t getSealedSize(std::string const& path)
     return std::stoull(text);
 }
 
-bool hasSealedMark(int file)
+bool hasSealedMark(OsFile const& file)
 {
     std::array<char, s_sealedMark.size()> begin{};
-    return ::pread(file, begin.data(), begin.size(), 0) == static_cast<ssize_t>(begin.size()) &&
-           begin == s_sealedMark;
+    return file.readAt(0, begin.data(), begin.size()) == s_sealedMark.size() && begin == s_sealedMark;
 }
 }  // namespace
 
 bool isServableName(std::string const& name)
 {
-    if (name.empty() || name.size() > s_longestName || name.front() == '.' ||
-        ARXFmDir::hasDriveLetter(name.c_str()))
-        return false;
-    if (std::any_of(name.begin(), name.end(),
-                    [](unsigned char c) { return c < ' ' || c == 0x7f || c == '/' || c == '\\'; }))
-        return false;
-    std::string lower = name;
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    auto const holds = [&lower](char const* text) { return lower.find(text) != std::string::npos; };
-    return !holds("..") && !holds("%2e") && !holds("%2f") && !holds("%5c") && !holds("%00");
+    auto const isRefused = [](unsigned char c) { return c < ' ' || c == 0x7f || c == '/' || c == '\\'; };
+    auto const holds = [&name](char const* text) { return ::strcasestr(name.c_str(), text) != nullptr; };
+    return !name.empty() && name.size() <= s_longestName && name.front() != '.' &&
+           !ARXFmDir::hasDriveLetter(name.c_str()) && std::none_of(name.begin(), name.end(), isRefused) &&
+           !holds("..") && !holds("%2e") && !holds("%2f") && !holds("%5c") && !holds("%00");
 }
 
 // O_NONBLOCK, or opening a pipe would wait for its writer.
-Descriptor openBelow(int folder, std::string const& name, int flags)
+OsFile openBelow(OsFile const& folder, std::string const& name, int flags)
 {
-    Descriptor file(::openat(folder, name.c_str(), flags | O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file && errno != ENOENT && errno != ELOOP && errno != ENOTDIR)
+    int const file = ::openat(folder.getDescriptor(), name.c_str(),
+                              flags | O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0 && errno != ENOENT && errno != ELOOP && errno != ENOTDIR)
         throw std::system_error(errno, std::generic_category(), name);
-    return file;
+    return OsFile(file);
 }
 
-std::shared_ptr<StoredFile> StoredFile::open(Descriptor file)
+std::string getPath(OsFile const& file)
+{
+    return "/proc/self/fd/" + std::to_string(file.getDescriptor());
+}
+
+std::shared_ptr<StoredFile> StoredFile::open(OsFile file)
 {
     struct stat status = {};
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (::fstat(file.getDescriptor(), &status) != 0 || !S_ISREG(status.st_mode))
         return nullptr;
-    return std::shared_ptr<StoredFile>(new StoredFile(std::move(file), status));
+    return std::shared_ptr<StoredFile>(new StoredFile(file.release(), status));
 }
 
-StoredFile::StoredFile(Descriptor file, struct stat const& status)
-    : m_file(std::move(file)),
+StoredFile::StoredFile(int descriptor, struct stat const& status)
+    : m_file(descriptor),
       m_status(status),
-      m_sealed(hasSealedMark(m_file.get())),
-      m_size(m_sealed ? getSealedSize(m_file.getPath()) : static_cast<std::uint64_t>(status.st_size))
+      m_sealed(hasSealedMark(m_file)),
+      m_size(m_sealed ? getSealedSize(getPath(m_file)) : static_cast<std::uint64_t>(status.st_size))
 {
 }
 
 std::string StoredFile::getETag() const
 {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "\"%llx.%lx-%llx\"",
-                  static_cast<unsigned long long>(m_status.st_mtim.tv_sec),
-                  static_cast<unsigned long>(m_status.st_mtim.tv_nsec),
-                  static_cast<unsigned long long>(m_status.st_size));
-    return text.data();
+    return '"' + std::to_string(m_status.st_mtim.tv_sec) + '.' + std::to_string(m_status.st_mtim.tv_nsec) +
+           '-' + std::to_string(m_status.st_size) + '"';
 }
 
 bool StoredFile::read(std::uint64_t first, std::uint64_t length, Sink const& sink) const
@@ -126,21 +120,20 @@ bool StoredFile::read(std::uint64_t first, std::uint64_t length, Sink const& sin
 bool StoredFile::readPlain(std::uint64_t first, std::uint64_t length, Sink const& sink) const
 {
     std::array<char, s_pieceSize> piece;
-    for (std::uint64_t done = 0; done < length;)
+    for (std::uint64_t const end = first + length; first < end;)
     {
-        ssize_t const count =
-            ::pread(m_file.get(), piece.data(), std::min<std::uint64_t>(piece.size(), length - done),
-                    static_cast<off_t>(first + done));
-        if (count <= 0 || !sink(piece.data(), static_cast<std::size_t>(count)))
+        std::size_t const size = std::min<std::uint64_t>(piece.size(), end - first);
+        if (m_file.readAt(first, piece.data(), size) != static_cast<std::int64_t>(size) ||
+            !sink(piece.data(), size))
             return false;
-        done += static_cast<std::uint64_t>(count);
+        first += size;
     }
     return true;
 }
 
 bool StoredFile::readSealed(std::uint64_t first, std::uint64_t length, Sink const& sink) const
 {
-    Handle const handle = openSealed(m_file.getPath(), first);
+    Handle const handle = openSealed(getPath(m_file), first);
     while (length != 0)
     {
         char* data = nullptr;

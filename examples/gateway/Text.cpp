@@ -1,6 +1,5 @@
 #include "Text.h"
 
-#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdio>
@@ -8,7 +7,6 @@
 #include <exception>
 
 #include <openssl/crypto.h>
-#include <openssl/evp.h>
 
 #include "NEBCore/NEBThrowable.h"
 
@@ -35,22 +33,6 @@ std::string percentEncode(std::string const& text)
     return encoded;
 }
 
-std::string decodeWeb64(std::string text)
-{
-    std::size_t const padding = (4 - text.size() % 4) % 4;
-    if (text.empty() || text.find_first_of("+/=") != std::string::npos)
-        return "";
-    std::replace(text.begin(), text.end(), '-', '+');
-    std::replace(text.begin(), text.end(), '_', '/');
-    text.append(padding, '=');
-    std::string bytes(text.size() / 4 * 3, '\0');
-    int const size =
-        EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
-                        reinterpret_cast<unsigned char const*>(text.data()), static_cast<int>(text.size()));
-    bytes.resize(size < 0 || padding == 3 ? 0 : static_cast<std::size_t>(size) - padding);
-    return bytes;
-}
-
 std::string findCookie(std::string const& cookies, std::string const& name)
 {
     std::size_t const begin = ("; " + cookies).find("; " + name + "=");
@@ -73,14 +55,6 @@ std::string formatTime(char const* format, std::time_t time)
     return {text.data(), std::strftime(text.data(), text.size(), format, &fields)};
 }
 
-std::string groupDigits(std::uint64_t number)
-{
-    std::string text = std::to_string(number);
-    for (std::size_t end = text.size(); end > 3; end -= 3)
-        text.insert(end - 3, 1, ' ');
-    return text;
-}
-
 void printCurrentException(std::string const& where)
 {
     std::string reason = "an exception of unknown type";
@@ -96,7 +70,7 @@ void printCurrentException(std::string const& where)
     {
         reason = error.what();
     }
-    catch (...)
+    catch (...)  // its type tells nothing
     {
     }
     std::fprintf(stderr, "arxgate: %s: %s\n", where.c_str(), reason.c_str());

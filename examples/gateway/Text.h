@@ -4,7 +4,6 @@
 #define ARXGATE_TEXT_H
 
 #include <cstddef>
-#include <cstdint>
 #include <ctime>
 #include <string>
 
@@ -12,17 +11,13 @@
 std::string toHex(void const* data, std::size_t size);
 // For a path in a URL: all bytes except letters, digits and - . _ ~ become %XX.
 std::string percentEncode(std::string const& text);
-// Empty unless text is Web64 (RFC 4648, section 5, without padding).
-std::string decodeWeb64(std::string text);
 // The value of a cookie in a Cookie header; empty if it isn't there.
 std::string findCookie(std::string const& cookies, std::string const& name);
 // Compares in a time that depends on the sizes alone.
 bool isEqual(std::string const& left, std::string const& right);
 // strftime of a time in UTC.
 std::string formatTime(char const* format, std::time_t time);
-// With a blank before each group of three digits.
-std::string groupDigits(std::uint64_t number);
-// Prints on standard error what a catch of everything has caught, and where.
+// Prints on standard error the exception that is being handled, and where.
 void printCurrentException(std::string const& where);
 
 #endif

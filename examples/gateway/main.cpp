@@ -1,5 +1,3 @@
-#include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -8,6 +6,7 @@
 #include <thread>
 
 #include <sys/socket.h>
+#include <unistd.h>
 #include <CLI/CLI.hpp>
 
 #include "NEBCFGAPI/NEBConfigurationStore.h"
@@ -19,6 +18,8 @@
 
 namespace
 {
+std::size_t constexpr s_threads = 256;  // connections served at once
+
 struct Options
 {
     std::string m_root;
@@ -29,7 +30,6 @@ struct Options
     std::string m_key;
     std::string m_accelPrefix;
     std::string m_newUser;
-    std::size_t m_threads = 256;
 };
 
 void addOptions(CLI::App& app, Options& options)
@@ -43,27 +43,9 @@ void addOptions(CLI::App& app, Options& options)
     app.add_option("--tls-key", options.m_key, "Private key of the certificate, PEM")->needs(certificate);
     app.add_option("--accel", options.m_accelPrefix,
                    "Let nginx send plain files: X-Accel-Redirect with this prefix");
-    app.add_option("--threads", options.m_threads, "Connections served at once")->capture_default_str();
     app.add_option("--hash-password", options.m_newUser,
                    "Print this user's line for --users; the password is read from standard input");
 }
-
-class RunningLibrary
-{
-public:
-    RunningLibrary()
-    {
-        Arxium::initialize();
-        NEBUtHRTimer::initialize();
-    }
-    ~RunningLibrary()
-    {
-        NEBUtHRTimer::terminate();
-        Arxium::terminate();
-    }
-    RunningLibrary(RunningLibrary const&) = delete;
-    RunningLibrary& operator=(RunningLibrary const&) = delete;
-};
 
 std::unique_ptr<httplib::Server> makeServer(Options const& options)
 {
@@ -75,7 +57,7 @@ std::unique_ptr<httplib::Server> makeServer(Options const& options)
     return server;
 }
 
-// Returns the port. The server asks for a queue of 5 connections only, so its socket listens once more.
+// Returns the socket. The server asks for a queue of 5 connections only, so its socket listens once more.
 int bind(httplib::Server& server, std::string const& address)
 {
     std::size_t const colon = address.rfind(':');
@@ -97,44 +79,41 @@ int bind(httplib::Server& server, std::string const& address)
         port = -1;
     if (port < 0 || ::listen(listener, SOMAXCONN) != 0)
         throw std::runtime_error(address + ": can't be listened to");
-    return port;
+    std::printf("arxgate listens on port %d\n", port);
+    std::fflush(stdout);
+    return listener;
 }
 
-// Ends by SIGTERM or SIGINT, after the requests in flight.
+// Ends by SIGTERM or SIGINT, after the requests in flight. The server's own stop would drop the bodies that
+// it has not begun to send; without its listening socket it ends as soon as all connections are closed.
 void serve(Options const& options)
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // in all threads; one waits for them
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // in all threads; this one waits for them
 
     Gateway gateway(options.m_root, options.m_users, options.m_accelPrefix);
     auto const server = makeServer(options);
-    server->new_task_queue = [&options] { return new httplib::ThreadPool(options.m_threads); };
+    server->new_task_queue = [] { return new httplib::ThreadPool(s_threads); };
     server->set_keep_alive_max_count(1000000);
     server->set_write_timeout(60);
     server->set_read_timeout(60);
     server->set_tcp_nodelay(true);
     gateway.install(*server);
-    std::printf("arxgate listens on port %d\n", bind(*server, options.m_listen));
-    std::fflush(stdout);
-
-    // The server takes no notice of a stop before it runs.
-    std::atomic<bool> ended{false};
-    std::thread waiter(
-        [&]
+    int const listener = bind(*server, options.m_listen);
+    std::thread serving(
+        [&server]
         {
-            int signal = 0;
-            sigwait(&signals, &signal);
-            while (!ended && !server->is_running())
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            server->stop();
+            server->listen_after_bind();
+            ::kill(::getpid(), SIGTERM);  // if it ends by itself
         });
-    server->listen_after_bind();
-    ended = true;
-    pthread_kill(waiter.native_handle(), SIGTERM);
-    waiter.join();
+    int signal = 0;
+    sigwait(&signals, &signal);
+    gateway.end();
+    ::shutdown(listener, SHUT_RDWR);
+    serving.join();
 }
 
 int run(int argc, char** argv)
@@ -155,8 +134,11 @@ int run(int argc, char** argv)
         throw std::runtime_error("--root and --users are needed");
     if (!options.m_config.empty())
         NEBConfigurationStore::getStore().load(options.m_config);
-    RunningLibrary const library;
+    Arxium::initialize();
+    NEBUtHRTimer::initialize();
     serve(options);
+    NEBUtHRTimer::terminate();
+    Arxium::terminate();
     return 0;
 }
 }  // namespace

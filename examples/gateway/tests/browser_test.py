@@ -84,8 +84,8 @@ class BrowserTest(unittest.TestCase):
         browser.type("input[name=password]", PASSWORD)
         browser.click("button")
         browser.type("input[type=file]", os.path.join(self.site.root, "minutes.txt"))
-        browser.click("section button")  # sealed over plain: the page offers that first
-        self.assertIn("22 bytes stored sealed", browser.call(browser.find(".notice") + "/text"))
+        browser.click("button")  # sealed over plain: the page offers that first
+        self.assertIn("22 bytes stored sealed", browser.call(browser.find("[role=status]") + "/text"))
         with open(SCREENSHOT, "wb") as file:
             file.write(base64.b64decode(browser.call("/screenshot")))
 
