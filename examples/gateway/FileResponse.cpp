@@ -62,18 +62,14 @@ bool isKnown(httplib::Request const& request, std::string const& etag)
 }
 }  // namespace
 
-// Both forms of RFC 6266: old clients take the first, all others the second.
+// The name in the form of RFC 8187, which carries all characters.
 void describeFile(std::string const& name, httplib::Response& response)
 {
     Type const type = findType(name);
-    std::string plain = name;
-    std::replace_if(
-        plain.begin(), plain.end(), [](char c) { return c < ' ' || c > '~' || c == '"' || c == '%'; }, '_');
     response.set_header("Content-Type", type.m_name);
     response.set_header("Cache-Control", "private, no-cache");
     response.set_header("Content-Disposition", std::string(type.m_isShown ? "inline" : "attachment") +
-                                                   "; filename=\"" + plain + "\"; filename*=UTF-8''" +
-                                                   percentEncode(name));
+                                                   "; filename*=UTF-8''" + percentEncode(name));
 }
 
 void respondWithFile(httplib::Request const& request, httplib::Ranges const& ranges,

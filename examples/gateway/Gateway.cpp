@@ -84,24 +84,19 @@ bool carriesBody(httplib::Request const& request)
 void closeAfter(httplib::Response& response)
 {
     response.set_header("Connection", "close");
-    if (response.content_provider_)
+    if (!response.content_provider_)
     {
-        response.content_provider_ = [send = std::move(response.content_provider_)](
-                                         std::size_t offset, std::size_t length, httplib::DataSink& sink)
-        {
-            send(offset, length, sink);
-            return false;
-        };
-        return;
+        response.set_header("Content-Length", std::to_string(response.body.size()));
+        setProvider(response, [body = std::move(response.body)](std::size_t, httplib::DataSink& sink)
+                    { return sink.write(body.data(), body.size()); });
+        response.body.clear();
     }
-    response.set_header("Content-Length", std::to_string(response.body.size()));
-    auto const sendAll = [body = std::move(response.body)](std::size_t, httplib::DataSink& sink)
+    response.content_provider_ = [send = std::move(response.content_provider_)](
+                                     std::size_t offset, std::size_t length, httplib::DataSink& sink)
     {
-        sink.write(body.data(), body.size());
+        send(offset, length, sink);
         return false;
     };
-    response.body.clear();
-    setProvider(response, sendAll);
 }
 
 // Without a kind if it is neither a file nor a folder.

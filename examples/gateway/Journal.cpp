@@ -24,12 +24,6 @@ std::string escape(std::string const& text)
     }
     return escaped;
 }
-
-void appendCounter(std::string& text, char const* name, char const* help, std::string const& value)
-{
-    text += std::string("# HELP ") + name + " " + help + "\n# TYPE " + name + " counter\n" + name + " " +
-            value + "\n";
-}
 }  // namespace
 
 void Journal::begin()
@@ -59,14 +53,13 @@ void Journal::end(httplib::Request const& request, httplib::Response const& resp
 
 std::string Journal::format() const
 {
-    std::string text =
-        "# HELP arxgate_requests_total Requests served.\n# TYPE arxgate_requests_total counter\n";
+    std::string text = "# TYPE arxgate_requests_total counter\n";
     for (std::size_t status = 0; status < m_requests.size(); ++status)
         if (std::uint64_t const count = m_requests[status])
             text += "arxgate_requests_total{code=\"" + std::to_string(status) + "\"} " +
                     std::to_string(count) + "\n";
-    appendCounter(text, "arxgate_request_seconds_total", "Time spent on requests.",
-                  std::to_string(static_cast<double>(m_microseconds) / 1e6));
-    appendCounter(text, "arxgate_sent_bytes_total", "Bytes of bodies sent.", std::to_string(m_sent));
-    return text;
+    return text + "# TYPE arxgate_request_seconds_total counter\narxgate_request_seconds_total " +
+           std::to_string(static_cast<double>(m_microseconds) / 1e6) +
+           "\n# TYPE arxgate_sent_bytes_total counter\narxgate_sent_bytes_total " + std::to_string(m_sent) +
+           "\n";
 }

@@ -11,20 +11,16 @@
 #define ARXGATE_SESSIONS_H
 
 #include <map>
-#include <mutex>
 #include <string>
-
-// The line of a user file that lets in that user.
-std::string makeUserLine(std::string const& user, std::string const& password);
 
 class Sessions
 {
 public:
-    // usersFile holds a line of makeUserLine for each user. Empty lines and those that begin with # are
-    // skipped.
+    // usersFile holds a line USER:HASH for each user, with a hash of crypt(5), as "openssl passwd -6" makes
+    // it. Empty lines and those that begin with # are skipped.
     explicit Sessions(std::string const& usersFile);
 
-    bool isPassword(std::string const& user, std::string const& password);
+    bool isPassword(std::string const& user, std::string const& password) const;
     // A value for the Set-Cookie header that begins a session. Browsers send it back by TLS alone, except on
     // the loopback.
     static std::string begin();
@@ -33,8 +29,7 @@ public:
     static std::string find(std::string const& cookies);
 
 private:
-    std::map<std::string, std::string> m_proofs;  // salt and hash by user
-    std::mutex m_hashing;                         // a hash takes 16 MiB: one at a time
+    std::map<std::string, std::string> m_hashes;  // by user
 };
 
 #endif

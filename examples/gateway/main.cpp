@@ -1,6 +1,6 @@
 #include <csignal>
 #include <cstdio>
-#include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -29,22 +29,20 @@ struct Options
     std::string m_certificate;
     std::string m_key;
     std::string m_accelPrefix;
-    std::string m_newUser;
 };
 
 void addOptions(CLI::App& app, Options& options)
 {
-    app.add_option("--root", options.m_root, "Folder of the stored files");
+    app.add_option("--root", options.m_root, "Folder of the stored files")->required();
     app.add_option("--listen", options.m_listen, "HOST:PORT; port 0 chooses a free one")
         ->capture_default_str();
     app.add_option("--config", options.m_config, "Settings of the library, a line key=value each");
-    app.add_option("--users", options.m_users, "Who may log in, a line of --hash-password each");
+    app.add_option("--users", options.m_users, "Who may log in, a line USER:HASH of crypt(5) each")
+        ->required();
     CLI::Option* const certificate = app.add_option("--tls-cert", options.m_certificate, "Certificates, PEM");
     app.add_option("--tls-key", options.m_key, "Private key of the certificate, PEM")->needs(certificate);
     app.add_option("--accel", options.m_accelPrefix,
                    "Let nginx send plain files: X-Accel-Redirect with this prefix");
-    app.add_option("--hash-password", options.m_newUser,
-                   "Print this user's line for --users; the password is read from standard input");
 }
 
 std::unique_ptr<httplib::Server> makeServer(Options const& options)
@@ -123,15 +121,6 @@ int run(int argc, char** argv)
     addOptions(app, options);
     CLI11_PARSE(app, argc, argv);
 
-    if (!options.m_newUser.empty())
-    {
-        std::string password;
-        std::getline(std::cin, password);
-        std::cout << makeUserLine(options.m_newUser, password) << '\n';
-        return 0;
-    }
-    if (options.m_root.empty() || options.m_users.empty())
-        throw std::runtime_error("--root and --users are needed");
     if (!options.m_config.empty())
         NEBConfigurationStore::getStore().load(options.m_config);
     Arxium::initialize();

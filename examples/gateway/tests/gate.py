@@ -36,10 +36,9 @@ class Site:
             key.write(os.urandom(32))
         with open(self.path("config"), "w") as config:
             config.write(f"cryptoKeyFile={self.path('key')}\n")
-        line = subprocess.run([PROGRAM, "--hash-password", "ann"], input=PASSWORD, text=True, capture_output=True,
-                              check=True).stdout
+        hashed = subprocess.run(["openssl", "passwd", "-6", PASSWORD], text=True, capture_output=True, check=True).stdout
         with open(self.path("users"), "w") as users:
-            users.write(line)
+            users.write(f"ann:{hashed}")
 
     def path(self, name):
         return os.path.join(self._folder.name, name)
