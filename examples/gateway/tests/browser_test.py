@@ -32,6 +32,7 @@ class Browser:
         options = {"args": FLAGS + [f"--user-data-dir={self._profile.name}"]}
         opened = self.call("", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": options}}})
         self._url += "/" + opened["sessionId"]
+        self.call("/timeouts", {"implicit": 20000})  # a click returns before the next page is there
 
     def call(self, command, parameters=None):
         data = None if parameters is None else json.dumps(parameters).encode()
