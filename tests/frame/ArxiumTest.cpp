@@ -1,8 +1,6 @@
 #include "frame/Arxium.h"
 
-#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "crypto/ARXKRYHandleFactory.h"
-#include "frame/ARXDetails.h"
 #include "support/CryptoRecorder.h"
 
 namespace
@@ -97,15 +95,5 @@ TEST_F(ArxiumTest, StartsBeyondTheCounterAreRefused)
     EXPECT_EQ(2u, raisedBy([] { Arxium::initialize(false); }).size());
     for (int stops = 0; stops < INT16_MAX; ++stops)
         Arxium::terminate();
-}
-
-TEST_F(ArxiumTest, FreedDetailsAreCleared)
-{
-    char* details = nullptr;
-    m_recorder.failCall("KRY_CryptoInitialize", 1, Fault::Details);
-    callForDetails(details, KRY_CryptoInitialize, "document", nullptr);
-    ASSERT_NE(nullptr, details);
-    freeDetails(details);
-    EXPECT_EQ(nullptr, details);
 }
 }  // namespace

@@ -88,15 +88,13 @@ void expectEmpty(ARNEBI18NBuffer const& buffer)
     EXPECT_TRUE(string.empty() && buffer.getString().empty());
 }
 
-// Every change of a buffer that holds size units by a text of more units or by a part of what it holds.
-void expectChanges(std::size_t size, std::size_t more)
+// Changes of a buffer of size units by a part of what it holds, from the unit at on.
+void expectOwnChanges(std::size_t size, std::size_t at)
 {
-    Text all;
-    while (all.size() < 100)
-        all += static_cast<char16_t>(u'A' + 259 * all.size());
-    Text const held = all.substr(0, size), other = all.substr(30, more);
-    std::size_t const at = more % size;
-    auto const expectAfter = [&](char const* name, auto const& change, Text const& result)
+    Text held;
+    while (held.size() < size)
+        held += static_cast<char16_t>(u'A' + 259 * held.size());
+    auto const expectAfter = [&](char const* name, Text const& result, auto const& change)
     {
         SCOPED_TRACE(name);
         Buffer buffer(units(held));
@@ -104,35 +102,20 @@ void expectChanges(std::size_t size, std::size_t more)
         change(buffer);
         expectHolds(result, buffer);
     };
-    expectAfter(
-        "assigned array", [&](auto& buffer) { buffer = units(other); }, other);
-    expectAfter(
-        "assigned string", [&](auto& buffer) { buffer = toString(other); }, other);
-    expectAfter(
-        "assigned buffer", [&](auto& buffer) { buffer = Buffer(units(other)); }, other);
-    expectAfter(
-        "assigned part", [&](auto& buffer) { buffer = unitsAt(buffer, at); }, held.substr(at));
-    expectAfter(
-        "assigned unit", [&](auto& buffer) { buffer = *unitsAt(buffer, at); }, held.substr(at, 1));
-    expectAfter(
-        "appended array", [&](auto& buffer) { buffer += units(other); }, held + other);
-    expectAfter(
-        "appended string", [&](auto& buffer) { buffer += toString(other); }, held + other);
-    expectAfter(
-        "appended to itself", [&](auto& buffer) { buffer += buffer; }, held + held);
-    expectAfter(
-        "appended part", [&](auto& buffer) { buffer += unitsAt(buffer, at); }, held + held.substr(at));
-    expectAfter(
-        "appended unit", [&](auto& buffer) { buffer += *unitsAt(buffer, at); }, held + held[at]);
-    expectAfter(
-        "truncated", [&](auto& buffer) { buffer.truncate(at); }, held.substr(0, at));
+    expectAfter("assigned part", held.substr(at), [&](auto& buffer) { buffer = unitsAt(buffer, at); });
+    expectAfter("assigned unit", held.substr(at, 1), [&](auto& buffer) { buffer = *unitsAt(buffer, at); });
+    expectAfter("appended itself", held + held, [&](auto& buffer) { buffer += buffer; });
+    expectAfter("appended part", held + held.substr(at),
+                [&](auto& buffer) { buffer += unitsAt(buffer, at); });
+    expectAfter("appended unit", held + held[at], [&](auto& buffer) { buffer += *unitsAt(buffer, at); });
+    expectAfter("truncated", held.substr(0, at), [&](auto& buffer) { buffer.truncate(at); });
 }
 
-TEST(ARNEBI18NBufferContent, FollowsEveryChangeAtEverySize)
+TEST(ARNEBI18NBufferContent, FollowsChangesByItsOwnPartsAtEverySize)
 {
-    for (std::size_t const size : {1u, 2u, 14u, 15u, 16u, 100u})
-        for (std::size_t const more : {1u, 2u, 13u, 17u, 60u})
-            ASSERT_NO_FATAL_FAILURE(expectChanges(size, more)) << size << " and " << more << " units";
+    for (std::size_t const size : {1u, 2u, 8u, 14u, 15u, 16u, 100u})
+        for (std::size_t const at : {std::size_t(0), size / 2, size - 1})
+            ASSERT_NO_FATAL_FAILURE(expectOwnChanges(size, at)) << at << " of " << size << " units";
 }
 
 TEST(ARNEBI18NBufferContent, IsEmptyWithoutATextOnly)
@@ -142,9 +125,6 @@ TEST(ARNEBI18NBufferContent, IsEmptyWithoutATextOnly)
     expectHolds(u"", Buffer(toString(u"")));
     expectHolds(Text(1, u'\0'), Buffer(Unit{0}));
     Buffer buffer(units(u"abc"));
-    buffer = s_none;
-    expectEmpty(buffer);
-    buffer = units(u"abc");
     buffer.clear();
     expectEmpty(buffer);
 }
@@ -174,25 +154,17 @@ TEST(ARNEBI18NBufferStorage, TakesBlocksOfExactlyTheSizeWhenItMust)
     EXPECT_EQ((std::vector<std::size_t>{34, 34, 60}), s_blocks);
 }
 
-TEST(ARNEBI18NBufferChecksum, FoldsBytesAndNotUnits)
+TEST(ARNEBI18NBufferChecksum, FoldsBytesInTheOrderOfTheMachine)
 {
-    EXPECT_EQ(0x15CC89F0u, Buffer(units(u"abc")).getCrc());
-    EXPECT_EQ(0x15CC89F0u, Buffer(units(u"AbC")).getCssCrc());
-    EXPECT_NE(0x15CC89F0u, Buffer(units(u"AbC")).getCrc());
+    bool const isLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+    std::uint32_t const ofSmallLetters = isLittleEndian ? 0x15CC89F0 : 0xE180C96C;
+    EXPECT_EQ(ofSmallLetters, Buffer(units(u"abc")).getCrc());
+    EXPECT_EQ(ofSmallLetters, Buffer(units(u"AbC")).getCssCrc());
+    EXPECT_NE(ofSmallLetters, Buffer(units(u"AbC")).getCrc());
     EXPECT_EQ(Buffer(units(u"\x0161\x6161")).getCssCrc(), Buffer(units(u"\x0141\x4161")).getCssCrc());
     EXPECT_EQ(Buffer(units(u"@[\x00C0")).getCrc(), Buffer(units(u"@[\x00C0")).getCssCrc());
     EXPECT_EQ(Buffer(units(Text(300, u'a') + u"b")).getCrc(),
               Buffer(units(Text(300, u'A') + u"B")).getCssCrc());
-}
-
-TEST(ARNEBI18NBufferCompare, LooksAtBothEndsWithoutTheTerminator)
-{
-    Buffer const abc(units(u"abc"));
-    EXPECT_TRUE(abc.startsWith(abc) && abc.startsWith(units(u"ab")));
-    EXPECT_TRUE(abc.endsWith(abc) && abc.endsWith(units(u"bc")));
-    for (char16_t const* neither : {u"b", u"abcd", u"xabc", u""})
-        EXPECT_FALSE(abc.startsWith(units(neither)) || abc.endsWith(units(neither)));
-    EXPECT_FALSE(abc.startsWith(toString(u"")) || Buffer().endsWith(abc));
 }
 
 TEST(ARNEBI18NBufferMemory, LackOfItEmptiesTheBuffer)
