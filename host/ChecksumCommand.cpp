@@ -27,8 +27,10 @@ int checksum(ChecksumOptions const& options)
 void addChecksumCommand(CLI::App& app, Action& chosen)
 {
     auto const options = std::make_shared<ChecksumOptions>();
-    CLI::App* command =
-        app.add_subcommand("checksum", "Print the CRC-32 of a text in UTF-16, terminator included");
+    CLI::App* command = app.add_subcommand(
+        "checksum",
+        "Print the CRC-32 of a text in UTF-16, terminator included. It belongs to the byte "
+        "order of this machine: don't exchange it with machines of the other order.");
     command->add_option("TEXT", options->m_text, "The text, UTF-8")->required();
     command->add_flag("--fold", options->m_fold, "Fold upper-case letters first");
     command->callback([&chosen, options] { chosen = [options] { return checksum(*options); }; });

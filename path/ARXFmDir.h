@@ -1,20 +1,19 @@
 // One grammar of paths as text, the same on every platform.
 //
-// A path is a sequence of bytes in any encoding. "/" and "\" are both separators and equivalent; case counts.
-// A letter (by std::isalpha) followed by ":" at the start is a drive prefix. A path is absolute if a
-// separator comes first or right after the drive prefix: "C:x" is relative, and "//s/x" is an absolute path
-// like "/s/x". Lengths and offsets are bytes. Only isFile looks at the disk, and only getAbsolutePath without
-// a pwd asks for the current directory.
+// A path is bytes in any encoding; lengths and offsets are bytes. "/" and "\" are equivalent separators, and
+// case counts. A letter (by std::isalpha) and ":" at the start are a drive prefix. A path is absolute if a
+// separator comes first or right after the drive prefix: "C:x" is relative, and "//s/x" is absolute like
+// "/s/x". Only isFile looks at the disk, and only getAbsolutePath without a pwd asks for the current
+// directory.
 //
-// Misuse raises NEBAssertError before an out string is touched. The operations have no state: any number of
-// threads may call them. An out string may be the storage of an argument.
+// Misuse raises NEBAssertError and leaves the out string alone, which may be the storage of an argument. Any
+// number of threads may call the operations.
 //
 // Example:
 //     std::string path;
 //     ARXFmDir::getAbsolutePath("C:/data", "reports\\.\\2007\\", path);  // "C:/data/reports\.\2007\"
 //     ARXFmDir::getNormalizedPath(path, path);                           // "c:/data/reports/2007"
-//     std::string tail;
-//     ARXFmDir::getPathTail(tail, "c:/data", path.c_str());              // "reports/2007"
+//     ARXFmDir::getPathTail(path, "c:/data", path.c_str());              // "reports/2007"
 
 #ifndef ARXIUM_PATH_ARXFMDIR_H
 #define ARXIUM_PATH_ARXFMDIR_H
@@ -43,16 +42,14 @@ public:
 
         // Removes every ".".
         void removeCurrentDir();
-        // Removes each ".." together with the element before it. A ".." with no element or another ".."
-        // before it stays; one after the root "/" raises NEBAssertError. Call removeCurrentDir first: ".."
-        // removes the preceding element, which must be a name.
+        // Removes each ".." with the name before it, so call removeCurrentDir first. A ".." with nothing or
+        // another ".." before it stays; one after the root "/" raises NEBAssertError.
         void removeParentDir();
-        // Replaces out by the drive prefix and the elements, joined as NEBFmDir::joinPath joins them.
+        // Replaces out by the drive prefix and the elements, joined by NEBFmDir::joinPath.
         void getPath(std::string& out) const;
 
         std::string m_drive;  // empty, or the letter in lower case and ":"
-        // In path order. No element is empty. Only the first can be a separator: the root as the path spells
-        // it.
+        // In path order, none empty. Only the first can be a separator: the root as the path spells it.
         std::list<std::string> m_parts;
     };
 
@@ -74,10 +71,10 @@ public:
     // Replaces every "\" by "/".
     static void normalizePathSeparator(std::string& path);
 
-    // The canonical form: drive letter in lower case, only "/", no doubled or trailing separators, no ".",
-    // and no ".." that the text allows to resolve; "." if nothing is left. An empty path raises
-    // NEBAssertError, and so does a ".." above the root "/". Links are not followed. The result is its own
-    // canonical form, with one exception: "./C:/x" gives "C:/x", which now has a drive prefix.
+    // The canonical form: drive letter in lower case, only "/", no ".", no doubled or trailing separators,
+    // and ".." resolved as far as the text allows; "." if nothing is left. Links are not followed. An empty
+    // path and a ".." above the root "/" raise NEBAssertError. The result is its own canonical form, except
+    // that "./C:/x" gives "C:/x", which now has a drive prefix.
     static void getNormalizedPath(std::string const& path, std::string& out);
 
     // Puts path under pwd unless path is absolute; nothing is normalised. If both have a drive prefix, path
@@ -86,9 +83,8 @@ public:
     // The same under the current directory, which must be readable and have at most 260 bytes.
     static void getAbsolutePath(char const* path, std::string& out);
 
-    // Removes from fullPath the longest common prefix with the directory base, however short: base "/x/y"
-    // leaves "a/b" of "/a/b". If base is null or empty, or not even the first byte agrees, out is the last
-    // element of fullPath.
+    // Removes the longest common prefix with the directory base, however short: base "/x/y" leaves "a/b" of
+    // "/a/b". If base is null or the prefix is empty, out is the last element of fullPath.
     static void getPathTail(std::string& out, char const* base, char const* fullPath);
     // Appends "/" unless path is empty or ends in a separator.
     static void makePathSlashTerminated(std::string& path);
@@ -98,9 +94,8 @@ protected:
     static void splitPathIntoParts(std::string const& path, ARXFmDirPathParts& parts);
 
 private:
-    // One step from the right: path loses its trailing separators, tail is what follows its last separator,
-    // and head is what precedes it, without trailing separators. All are views of path's text. If path is a
-    // root, head is the root and tail is empty.
+    // One step from the right: tail is what follows the last separator of path, head what precedes it, all
+    // three without trailing separators. If path is a root, head is the root and tail is empty.
     static void mySplitPath(std::string_view& path, std::string_view& head, std::string_view& tail);
     // A path that is one separator stays.
     static void removeTrailingDirectorySeparator(std::string_view& path);

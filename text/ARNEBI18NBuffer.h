@@ -2,10 +2,9 @@
 // memory.
 //
 // Texts of up to 15 code units lie inside the object; a longer one owns a heap block of exactly its size.
-// Sizes are bytes with the two-byte terminator, unless stated otherwise. Code units are in the byte order of
-// the machine, and surrogates get no special treatment. The empty buffer, which holds nothing, differs from a
-// buffer that holds only a terminator, as after truncate(0): they are not equal, and only the first is
-// empty().
+// Sizes are bytes with the two-byte terminator, unless stated otherwise. Code units are in the machine's byte
+// order, and surrogates get no special treatment. The empty buffer differs from one that holds only a
+// terminator, as after truncate(0): they are not equal, and only the first is empty().
 //
 // An object serves one thread at a time, constant operations included: checksums are kept when first
 // computed. Without memory NEBOutOfMemoryError is raised, and the buffer is then empty and usable.
@@ -30,9 +29,8 @@ class I18NString;
 class ARXIUM_API ARNEBI18NBuffer
 {
 public:
-    // Sources are copied and may lie in this buffer, here and in += below. An array ends at its first 0; a
-    // null or empty one gives the empty buffer. An empty I18NString gives its terminator. A single code unit
-    // becomes content even if it is 0.
+    // Sources are copied and may lie in this buffer, here and below. An array ends at its first 0; a null or
+    // empty one gives the empty buffer, an empty I18NString its terminator. A single unit may be 0.
     ARNEBI18NBuffer();
     ARNEBI18NBuffer(ARNEBI18NBuffer const& other);
     ARNEBI18NBuffer(I18NString const& text);
@@ -68,7 +66,8 @@ public:
     I18NString getString() const;
     void getString(I18NString& text) const;
 
-    // CRC-32 (RFC 1952, section 8) of all bytes; 0 for the empty buffer.
+    // CRC-32 (RFC 1952, section 8) of all bytes; 0 for the empty buffer. Both checksums belong to the
+    // machine's byte order: never exchange them between machines of different order.
     std::uint32_t getCrc() const;
     // The same after std::tolower of each byte in the locale of the process. Texts that differ only in the
     // case of ASCII letters agree. Others can too, because half a code unit may look like a letter.
@@ -87,8 +86,7 @@ public:
 
     // The storage stays.
     void clear();
-    // Sets up storage of that many bytes if the buffer has none yet. It saves the next assignment or append
-    // its allocation.
+    // Sets up storage of that many bytes for the next assignment or append, if the buffer has none yet.
     void reserve(std::uint64_t bytes);
     // Cuts to that many code units; never lengthens. The storage stays.
     void truncate(std::uint64_t units);

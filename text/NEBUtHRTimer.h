@@ -1,20 +1,17 @@
 // Measures elapsed time in nanoseconds by the high-resolution counter.
 //
-// Every reading is made on the one processor that initialize chooses: the calling thread moves there for the
-// reading and then gets its own processors back. Time intervals of many microseconds: the move itself takes a
-// few. Nothing here raises; a timer that can't measure returns 0.
+// For each reading the calling thread moves to the one processor that initialize chooses, and then gets its
+// own processors back. The move takes a few microseconds, so time longer intervals. Nothing here raises.
 //
 // Call initialize and terminate at the start and the end of the host, while no timer is in use; Arxium does
-// not call them. In between, any number of threads may use timers of their own. A timer serves one thread at
-// a time.
+// not. In between, any number of threads may use timers, each timer one thread at a time.
 //
 // Example:
 //     #include <iostream>
 //     NEBUtHRTimer::initialize();  // once
 //     NEBUtHRTimer timer;
 //     timer.start();
-//     timer.stop();
-//     std::cout << timer.getElapsed(false) << " ns";
+//     std::cout << timer.getElapsed(true) << " ns";
 
 #ifndef ARXIUM_TEXT_NEBUTHRTIMER_H
 #define ARXIUM_TEXT_NEBUTHRTIMER_H
@@ -29,18 +26,18 @@ public:
     NEBUtHRTimer();
     virtual ~NEBUtHRTimer();
 
-    // Chooses the lowest processor that the process may use and reads the counter's frequency. Each call
-    // starts from scratch. If the system refuses one of them, timers return 0 until a later call succeeds.
+    // Chooses the lowest processor that the process may use and reads the counter's frequency, each time from
+    // scratch. If the system refuses either, timers return 0 until a later call succeeds.
     static void initialize();
     // Makes timers return 0 until the next initialize.
     static void terminate();
 
     // Restarts the timer in any state.
     void start();
-    // May be called again, which moves the end of the interval.
+    // Called again, it moves the end of the interval.
     void stop();
-    // Nanoseconds between start and the last reading. With take, a reading is taken first, as by stop.
-    // Without take, a timer that was started but not stopped returns a large number without meaning.
+    // Nanoseconds from start to the last stop; with take, it stops first. A timer that was started and not
+    // stopped returns a large number without meaning.
     std::uint64_t getElapsed(bool take);
 
 private:

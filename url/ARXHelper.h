@@ -1,7 +1,4 @@
-// Text operations for URLs and command lines.
-//
-// The operations have no state: any number of threads may call them. The base path operations read the
-// configuration and raise what it raises.
+// Text operations for URLs and command lines, for any number of threads.
 //
 // Example:
 //     #include "NEBCore/I18NString.h"
@@ -27,33 +24,32 @@ public:
     ARXHelper();
     virtual ~ARXHelper();
 
-    // The bytes as terminated Web64 text: base64url without padding (RFC 4648, section 5). The caller
-    // releases it by delete[]. Without memory std::bad_alloc is raised.
+    // The bytes as terminated Web64 text: base64url without padding (RFC 4648, section 5), which the caller
+    // releases by delete[]. Without memory std::bad_alloc is raised.
     static char* createWeb64(NEBByteBuffer const& input);
 
-    // Replaces output by the percent-encoded text of UTF-16 code units, for the query of a URL (RFC 3986; a
-    // blank becomes "+", as in HTML forms). Letters, digits and ( ) * - . _ stay; all else becomes the
-    // escapes of its UTF-8 bytes in small hexadecimal digits. The two halves of a surrogate pair are escaped
-    // one by one, in three bytes each. With keepAscii every unit below 0x80 stays, CR and LF too: never put
-    // such a result in an HTTP header unchecked.
+    // Replaces output by the percent-encoded text of UTF-16 code units, for the query of a URL (RFC 3986,
+    // with "+" for a blank as in HTML forms). Letters, digits and ( ) * - . _ stay; all else becomes the
+    // escapes of its UTF-8 bytes in small hexadecimal digits, each half of a surrogate pair three of its own.
+    // With keepAscii every unit below 0x80 stays, CR and LF too: never put that in an HTTP header unchecked.
     //
-    // size is in bytes; an odd last byte is ignored. If size is not 0 and input is null, NEBAssertError is
-    // raised and output keeps what it holds. Without memory NEBOutOfMemoryError is raised.
+    // size is in bytes; an odd last byte is ignored. A null input with a size raises NEBAssertError and
+    // leaves output alone; lack of memory raises NEBOutOfMemoryError.
     static void urlEncode(void const* input, std::size_t size, NEBByteBuffer& output, bool keepAscii);
     static void urlEncode(I18NString const& input, NEBByteBuffer& output, bool keepAscii);
 
     // Removes what follows the last "/". A text without "/", or whose only "/" comes first, stays.
     static void removeLastComponentFromUrl(I18NString& url);
 
-    // Replaces path by the setting "gatewayUrl", cut after its last "/" if removeLastComponent.
+    // Replaces path by the setting "gatewayUrl", cut after its last "/" if removeLastComponent. These three
+    // raise what the configuration raises.
     static void getGatewayBasePath(I18NString& path, bool removeLastComponent);
     static void getBasePath(I18NString& path, bool removeLastComponent);  // the same
     // Replaces path by the setting "externalDispatcherUrl".
     static void getExternalDispatcherBasePath(I18NString& path);
 
-    // Replaces every "/" by a backslash and puts each component that holds a blank in double quotes. This is
-    // no protection of a shell: quotes, "$", "&", ";" and all else stay as they are. Never pass the result of
-    // untrusted text to one.
+    // Replaces every "/" by a backslash and puts each component that holds a blank in double quotes. Never
+    // pass the result of untrusted text to a shell: quotes, "$", "&", ";" and all else stay as they are.
     static void fixCommandPath(I18NString& path);
 };
 

@@ -1,10 +1,9 @@
 // Signed URLs for serving the bytes of a stored file through a gateway or an external dispatcher.
 //
-// A URL names the file by its last path component, without the folder, and carries two signatures (HMAC): k
-// of that name, and s of the name followed directly by the caller's session identifier. Begin every
-// identifier with a "/", which no file name holds, and never use an empty one: otherwise the signature of
-// another name can be the one that your session needs. docs/urls.md says why. The dispatcher id is not
-// signed, and no signature expires.
+// A URL names the file by its last path component and carries two signatures (HMAC): k of that name, and s of
+// the name followed directly by the caller's session identifier. Begin every identifier with "/", which no
+// file name holds, and never use an empty one: otherwise the signature of another name can be the one that
+// your session needs (see docs/urls.md). The dispatcher id is not signed, and no signature expires.
 //
 // Names and identifiers are bytes in any encoding. Call between the first Arxium::initialize and the last
 // terminate, from any number of threads. NEBAssertError is raised for a path that ends in a separator, a null
@@ -33,9 +32,9 @@ public:
     ARXUriDispatchHelper();
     virtual ~ARXUriDispatchHelper();
 
-    // Appends "?b_action=dc&f=NAME&k=SIGNATURE&s=SIGNATURE&did=DISPATCHER" to url. The first three values are
-    // Web64 text (RFC 4648, section 5, without padding); the last is the setting "dispatcherID" as it is. A
-    // failure leaves url unchanged.
+    // Appends "?b_action=dc&f=NAME&k=SIGNATURE&s=SIGNATURE&did=DISPATCHER" to url, or leaves it alone if it
+    // fails. The first three values are Web64 text (RFC 4648, section 5, without padding); the last is the
+    // setting "dispatcherID" as it is.
     static void generateByteServingUrlFromBasePath(std::string const& path, char const* base64SessionID,
                                                    std::string& url);
 

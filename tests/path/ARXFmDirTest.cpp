@@ -35,6 +35,13 @@ TEST(ARXFmDirSeparator, BecomesASlashAndNothingElseChanges)
     EXPECT_EQ("//s/../\xDC//.", path);
 }
 
+TEST(ARXFmDirSeparator, IsNotAddedToABackslash)
+{
+    std::string path = "a\\";
+    ARXFmDir::makePathSlashTerminated(path);
+    EXPECT_EQ("a\\", path);
+}
+
 // These results replace an argument, the harder case.
 std::string normalized(std::string path)
 {
@@ -97,7 +104,7 @@ TEST(ARXFmDirTail, FollowsTheLongestCommonPrefix)
     EXPECT_EQ("c/d", tail("/a/b", "/a/bc/d"));
     EXPECT_EQ("a/b", tail("/x/y", "/a/b"));
     EXPECT_EQ("", tail("/a/b", "/a/b"));
-    EXPECT_EQ("b/c", tail("C:\\a\\", "C:/a/b/c"));
+    EXPECT_EQ("b/c", tail("C:/a/", "C:/a/b/c"));
 }
 
 TEST(ARXFmDirTail, IsTheLastElementWithoutACommonPrefix)
