@@ -113,7 +113,10 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
     std::int32_t const status = answerOn(session, "KRY_ProtectData", " " + bytes);
     // A failed call returns memory too, so that a caller who checks only the status loses it.
     if (sessionOf(session).m_infoDoc.find("file") == std::string::npos)
-        *outData = allocated("<" + bytes + ">", "data"), *outSize = size + 2;
+    {
+        *outData = allocated("<" + bytes + ">", "data");
+        *outSize = size + 2;
+    }
     return status;
 }
 
@@ -122,7 +125,8 @@ std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t si
 {
     std::string const words = " " + std::string(data, size) + " wanted " + std::to_string(*outSize);
     std::int32_t const status = answerOn(session, "KRY_UnprotectData", words);
-    *outData = allocated("plain", "data"), *outSize = 5;
+    *outData = allocated("plain", "data");
+    *outSize = 5;
     return status;
 }
 
