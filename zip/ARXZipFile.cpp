@@ -173,6 +173,7 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
 
     char const* const commentText = comment ? comment->c_str(nullptr, nullptr, nullptr, nullptr) : nullptr;
     int const zipMethod = method == compressDeflated ? Z_DEFLATED : 0;
+    m_entrySize = 0;
     int result = refusalOf(zipMethod, level);
     if (result == ZIP_OK)
         result = zipOpenNewFileInZip(m_zipFile, fileName, info, nullptr, 0, nullptr, 0, commentText,
@@ -181,7 +182,6 @@ void ARXZipFile::openNewFileInZip(char const* fileName, zip_fileinfo* info, I18N
         raiseWithText(NEB_HERE, {"Unable to open new file in zip file: ", std::to_string(result).c_str()},
                       "ARXZipFile::openNewFileInZip");
     m_fileOpen = true;
-    m_entrySize = 0;
 }
 
 void ARXZipFile::writeInFileInZip(unsigned char* data, unsigned int length)
@@ -222,20 +222,16 @@ int ARXZipFile::refusalOf(int zipMethod, int level) const
 {
     if (zipMethod == Z_DEFLATED && (level < Z_DEFAULT_COMPRESSION || level > Z_BEST_COMPRESSION))
         return Z_STREAM_ERROR;
-    return isArchiveFull(0) ? ZIP_PARAMERROR : ZIP_OK;
+    return hasRoomFor(0) ? ZIP_OK : ZIP_PARAMERROR;
 }
 
+// In the entry and in the archive. minizip does not report the size of the archive, so its file must.
 bool ARXZipFile::hasRoomFor(unsigned int length) const
-{
-    return length <= s_largestNumber - m_entrySize && !isArchiveFull(length);
-}
-
-// minizip does not report the size of the archive, so its file must. Deflated noise is a little longer.
-bool ARXZipFile::isArchiveFull(unsigned int length) const
 {
     struct stat status;
     if (::fstat(m_archive, &status) != 0)
-        return true;
-    std::uint64_t const growth = std::uint64_t{length} + length / 1024 + s_heldBack;
-    return static_cast<std::uint64_t>(status.st_size) + growth > s_largestNumber;
+        return false;
+    std::uint64_t const growth = std::uint64_t{length} + length / 1024 + s_heldBack;  // of deflated noise
+    return m_entrySize + length <= s_largestNumber &&
+           static_cast<std::uint64_t>(status.st_size) + growth <= s_largestNumber;
 }

@@ -86,7 +86,6 @@ public:
 private:
     int refusalOf(int zipMethod, int level) const;
     bool hasRoomFor(unsigned int length) const;
-    bool isArchiveFull(unsigned int length) const;
 
     zipFile m_zipFile;  // null when closed
     bool m_fileOpen;

@@ -4,12 +4,16 @@
 
 namespace
 {
-template <class Result, class Call>
-Result keepRaised(ZlibGuard& guard, Result failure, Call const& call)
+using Table = zlib_filefunc_def_s;
+
+// Calls a function of the host. Keeps what it raises and returns failure instead.
+template <auto Table::*function, auto failure, class Result, class... Arguments>
+Result callHost(voidpf opaque, Arguments... arguments)
 {
+    auto& guard = *static_cast<ZlibGuard*>(opaque);
     try
     {
-        return call(guard.m_functions);
+        return (guard.m_functions.*function)(guard.m_functions.opaque, arguments...);
     }
     catch (...)
     {
@@ -19,58 +23,26 @@ Result keepRaised(ZlibGuard& guard, Result failure, Call const& call)
     }
 }
 
-template <class Result, class Call>
-Result runGuarded(voidpf opaque, Result failure, Call const& call)
+// The same, unless a function of the host has raised before.
+template <auto Table::*function, auto failure, class Result, class... Arguments>
+Result callSoundHost(voidpf opaque, Arguments... arguments)
 {
-    auto& guard = *static_cast<ZlibGuard*>(opaque);
-    return guard.m_raised ? failure : keepRaised(guard, failure, call);
-}
-
-voidpf openGuarded(voidpf opaque, char const* name, int mode)
-{
-    return runGuarded(opaque, voidpf{}, [&](auto& host) { return host.zopen_file(host.opaque, name, mode); });
-}
-
-uLong readGuarded(voidpf opaque, voidpf stream, void* buf, uLong size)
-{
-    return runGuarded(opaque, uLong{0},
-                      [&](auto& host) { return host.zread_file(host.opaque, stream, buf, size); });
-}
-
-uLong writeGuarded(voidpf opaque, voidpf stream, void const* buf, uLong size)
-{
-    return runGuarded(opaque, uLong{0},
-                      [&](auto& host) { return host.zwrite_file(host.opaque, stream, buf, size); });
-}
-
-long tellGuarded(voidpf opaque, voidpf stream)
-{
-    return runGuarded(opaque, -1L, [&](auto& host) { return host.ztell_file(host.opaque, stream); });
-}
-
-long seekGuarded(voidpf opaque, voidpf stream, uLong offset, int origin)
-{
-    return runGuarded(opaque, -1L,
-                      [&](auto& host) { return host.zseek_file(host.opaque, stream, offset, origin); });
-}
-
-// Also after a failure: the host's stream is open.
-int closeGuarded(voidpf opaque, voidpf stream)
-{
-    return keepRaised(*static_cast<ZlibGuard*>(opaque), -1,
-                      [&](auto& host) { return host.zclose_file(host.opaque, stream); });
-}
-
-int hasErrorGuarded(voidpf opaque, voidpf stream)
-{
-    return runGuarded(opaque, -1, [&](auto& host) { return host.zerror_file(host.opaque, stream); });
+    if (static_cast<ZlibGuard*>(opaque)->m_raised)
+        return failure;
+    return callHost<function, failure, Result>(opaque, arguments...);
 }
 }  // namespace
 
 void fillZlibGuardedIO(zlib_filefunc_def_s* table, ZlibGuard* guard)
 {
-    *table = {openGuarded, readGuarded,  writeGuarded,    tellGuarded,
-              seekGuarded, closeGuarded, hasErrorGuarded, guard};
+    *table = {callSoundHost<&Table::zopen_file, nullptr>,
+              callSoundHost<&Table::zread_file, 0>,
+              callSoundHost<&Table::zwrite_file, 0>,
+              callSoundHost<&Table::ztell_file, -1>,
+              callSoundHost<&Table::zseek_file, -1>,
+              callHost<&Table::zclose_file, -1>,  // after a failure too: the host's stream is open
+              callSoundHost<&Table::zerror_file, -1>,
+              guard};
 }
 
 void rethrowRaised(ZlibGuard& guard)

@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "NEBCore/I18NString.h"
 #include "support/Raised.h"
@@ -22,6 +22,7 @@
 // Path and contents; a folder's path ends in "/".
 using Tree = std::map<std::string, std::string>;
 using Names = std::vector<std::string>;
+using Patches = std::map<std::size_t, std::string>;  // by offset
 using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 // A fresh current folder.
@@ -63,9 +64,8 @@ inline void write(ARXZipFile& archive, std::string bytes)
 }
 
 // Makes out.zip of stored entries without a date, each holding its own name. A patch replaces bytes of the
-// first entry's record in the directory.
-inline void makeArchive(Names const& names, std::map<std::size_t, std::string> const& patches = {},
-                        I18NString const* comment = nullptr)
+// first entry's record in the directory, and the same bytes of the header before its contents.
+inline void makeArchive(Names const& names, Patches const& patches = {}, I18NString const* comment = nullptr)
 {
     ARXZipFile archive;
     archive.create("out.zip");
@@ -77,11 +77,15 @@ inline void makeArchive(Names const& names, std::map<std::size_t, std::string> c
     archive.close();
     std::string bytes = readAll("out.zip");
     for (auto const& [offset, patch] : patches)
+    {
         bytes.replace(bytes.find("PK\1\2") + offset, patch.size(), patch);
+        if (6 <= offset && offset < 32)
+            bytes.replace(offset - 2, patch.size(), patch);
+    }
     writeTree({{"out.zip", bytes}});
 }
 
-// Name, without "./", and contents of every file that opens; of entries with one name the last counts.
+// Name and contents of every file that opens.
 inline Tree readStream(ARXZipInputStream&& stream)
 {
     Tree tree;
@@ -90,7 +94,7 @@ inline Tree readStream(ARXZipInputStream&& stream)
     {
         if (!stream.getCurrentEntryName(name) || !stream.openCurrentEntry() || name.back() == '/')
             continue;
-        std::string& bytes = tree[name.substr(name.rfind("./", 0) == 0 ? 2 : 0)] = {};
+        std::string& bytes = tree[name];
         char buffer[1000];
         for (std::size_t count; (count = stream.read(buffer, sizeof buffer)) != OJDInputStream::s_end;)
             bytes.append(buffer, count);
