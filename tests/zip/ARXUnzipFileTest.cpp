@@ -131,14 +131,25 @@ TEST_F(ARXUnzipFileTest, ADescriptionCutsTheComment)
     EXPECT_EQ(std::string(255, 'c'), info.szComment);
 }
 
-TEST_F(ARXUnzipFileTest, DosMarksFoldersUnlessTheyHaveContents)
+struct MarkRow
 {
-    for (char const size : {'\0', '\1'})
+    char const* m_name;
+    Patches m_patches;
+    bool m_isFolder;
+};
+
+TEST_F(ARXUnzipFileTest, DosMarksFoldersWithoutContents)
+{
+    std::string const size0(4, '\0'), folder = "\x10", byUnix = "\x14\3";
+    MarkRow const rows[] = {{"Folder", {{24, size0}, {38, folder}}, true},
+                            {"WithContents", {{38, folder}}, false},
+                            {"ByUnix", {{4, byUnix}, {24, size0}, {38, folder}}, false}};
+    for (MarkRow const& row : rows)
     {
-        makeArchive({"a"}, {{24, {size}}, {38, "\x10"}});
+        makeArchive({"a"}, row.m_patches);
         ARXUnzipFile::UZ_FileInfo info;
         ASSERT_TRUE(OpenUnzipFile("out.zip").getFileInfo(info));
-        EXPECT_EQ(size == 0, info.isFolder);
+        EXPECT_EQ(row.m_isFolder, info.isFolder) << row.m_name;
     }
 }
 }  // namespace
