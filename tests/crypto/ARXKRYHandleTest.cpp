@@ -24,25 +24,26 @@ TEST_F(ARXKRYHandleTest, RaisesEachFailureWithItsDetails)
                       setUp = "KRY_SetInfo S1 info", askWhy = "KRY_CryptoGetLastErrorDetails S1",
                       closeOne = "KRY_CloseHandle S1", closeTwo = "KRY_CloseHandle S2",
                       freeWhy = "KRY_CryptoFree details";
+    std::string const by = " | crypto/ARXKRYHandle.cpp NEB_THROW ARXKRYHandle::",
+                      byOpen = by + "persistentInitialize - Error in KRY_PersistentInitialize",
+                      openFails = "ARXException: reason" + byOpen,
+                      openFailsMute = "ARXException: no messages" + byOpen,
+                      setFails = "ARXException: reason" + by + "setInfo - Error in KRY_SetInfo",
+                      closeFails = "ARXException: reason" + by + "closeHandle - Error in KRY_CloseHandle";
     struct
     {
         char const* m_name;
         char const* m_function;  // whose call fails
         int m_call;
         Fault m_fault;
-        char const* m_raisedBy;
+        std::string m_raised;
         Lines m_calls;
     } const rows[] = {
         {"NoFault", "", 1, Fault::None, "", {openOne, setUp, closeOne, openTwo, closeTwo}},
-        {"FirstOpen", open, 1, Fault::Details, "persistentInitialize", {openOne, freeWhy}},
-        {"SecondOpen", open, 2, Fault::Status, "persistentInitialize", {openOne, setUp, closeOne, openTwo}},
-        {"SetInfo", set, 1, Fault::Status, "setInfo", {openOne, setUp, askWhy, freeWhy, closeOne}},
-        {"CloseByOpen",
-         close,
-         1,
-         Fault::Details,
-         "closeHandle",
-         {openOne, setUp, closeOne, freeWhy, closeOne}},
+        {"FirstOpen", open, 1, Fault::Details, openFails, {openOne, freeWhy}},
+        {"SecondOpen", open, 2, Fault::Status, openFailsMute, {openOne, setUp, closeOne, openTwo}},
+        {"SetInfo", set, 1, Fault::Status, setFails, {openOne, setUp, askWhy, freeWhy, closeOne}},
+        {"CloseByOpen", close, 1, Fault::Details, closeFails, {openOne, setUp, closeOne, freeWhy, closeOne}},
         {"CloseByEnd", close, 2, Fault::Details, "", {openOne, setUp, closeOne, openTwo, closeTwo, freeWhy}},
     };
     for (auto const& row : rows)
@@ -58,13 +59,7 @@ TEST_F(ARXKRYHandleTest, RaisesEachFailureWithItsDetails)
             handle.setInfo("info", nullptr);
             handle.persistentInitialize("two", nullptr);
         };
-        std::string const operation = row.m_raisedBy;
-        std::string const text = std::string(row.m_name) == "SecondOpen" ? "no messages" : "reason";
-        EXPECT_EQ(operation.empty() ? ""
-                                    : "ARXException: " + text +
-                                          " | crypto/ARXKRYHandle.cpp NEB_THROW ARXKRYHandle::" + operation +
-                                          " - Error in " + row.m_function,
-                  joined(raisedBy(use)));
+        EXPECT_EQ(row.m_raised, joined(raisedBy(use)));
         EXPECT_EQ(row.m_calls, m_recorder.takeCalls());
         EXPECT_EQ(Lines(), m_recorder.problems());
     }

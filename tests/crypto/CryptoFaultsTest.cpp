@@ -1,9 +1,9 @@
-// Everything that calls the crypto interface, from many threads, and with each of its ten functions failing
-// at each call in each way.
+// Everything that calls the crypto interface, with each of its ten functions failing at each call in each
+// way.
 
-#include <algorithm>
 #include <cstdio>
 #include <set>
+#include <thread>
 
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleI.h"
@@ -11,7 +11,6 @@
 #include "frame/Arxium.h"
 #include "streams/ARXOJDSecureFileOutputStream.h"
 #include "support/CryptoRecorder.h"
-#include "support/Threads.h"
 #include "url/ARXUriDispatchHelper.h"
 
 namespace
@@ -71,20 +70,17 @@ Lines useEverything()
         results.push_back(joined(raisedBy(step)));
     return results;
 }
-
 }  // namespace
 
 TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnything)
 {
-    std::pair<std::string, int> const functions[] = {
-        // with the least number of calls that a run makes
-        {"CryptoInitialize", 1}, {"PersistentInitialize", 6},
-        {"SetInfo", 6},          {"GetInfo", 2},
-        {"ProtectData", 6},      {"UnprotectData", 2},
-        {"CryptoFree", 6},       {"CloseHandle", 6},
-        {"CryptoTerminate", 1},  {"CryptoGetLastErrorDetails", 1}};
+    std::string const functions[] = {"CryptoInitialize", "PersistentInitialize",
+                                     "SetInfo",          "GetInfo",
+                                     "ProtectData",      "UnprotectData",
+                                     "CryptoFree",       "CloseHandle",
+                                     "CryptoTerminate",  "CryptoGetLastErrorDetails"};
     int points = 0;
-    for (auto const& [name, calls] : functions)
+    for (std::string const& name : functions)
         for (Fault const fault : {Fault::Details, Fault::Status, Fault::NullSession, Fault::Exception})
             for (int const second : {0, 1})  // a call of KRY_CryptoFree that fails as well
                 for (int call = 1;; ++call)
@@ -102,10 +98,7 @@ TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnything)
                     for (std::string const& raised : useEverything())
                         EXPECT_EQ(1u, kinds.count(raised.substr(0, raised.find(':')))) << raised;
                     if (!m_recorder.hasFailed(function))
-                    {
-                        EXPECT_GT(call, calls - 3 * second);
                         break;
-                    }
                     m_recorder.m_faults.clear();
                     // On another thread, which a lock that is still held would stop.
                     std::thread([] { EXPECT_EQ(Lines(7), useEverything()); }).join();
@@ -114,19 +107,4 @@ TEST_F(CryptoFaultsTest, NoFaultAtAnyCallLosesAnything)
                 }
     std::printf("%d points\n", points);
     EXPECT_LE(200, points);
-}
-
-TEST_F(CryptoFaultsTest, CallsOfManyThreadsNeverMeetOnASession)
-{
-    Arxium::initialize(false);
-    auto const work = [](int)
-    {
-        for (int i = 0; i < 400; ++i)
-            useHandle(*ARXSimpleKRYHandleIPtr(
-                ARXKRYHandleFactory::createHandle("cnfg", std::to_string(i).c_str())));
-    };
-    onThreads(8, work);
-    Lines const calls = m_recorder.takeCalls();
-    EXPECT_EQ(400, std::count(calls.begin(), calls.end(), "KRY_PersistentInitialize cnfg"));
-    Arxium::terminate();
 }
