@@ -56,8 +56,8 @@ public:
     void write(char const* data, std::size_t size) override;
     // Affects plain files only.
     void flush() override;
-    // Finishes the file. If that fails, raises, and the stream stays open for another try. Does nothing on a
-    // closed stream.
+    // Finishes the file. If that fails, raises, and the stream stays open; an encrypted file that couldn't be
+    // written fails at each further try. Does nothing on a closed stream.
     void close() override;
 
     // Allowed before open, and after close of an encrypted stream.

@@ -77,10 +77,11 @@ KRYFileReader& KRYSession::getReader()
     return *m_reader;
 }
 
-// However it ends, the session is idle afterwards, and the writer gone.
+// A writer that fails stays, so that another try fails as well instead of finding nothing to finish.
 void KRYSession::finishFile()
 {
     m_closing = false;
-    if (auto const writer = std::move(m_writer))
-        writer->finish();
+    if (m_writer)
+        m_writer->finish();
+    m_writer.reset();
 }

@@ -97,9 +97,9 @@ extern "C"
     KRY_API std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third);
 
     // Signing returns 32 bytes in *outData, freed by KRY_CryptoFree. Writing a file returns nothing, and
-    // outData and outSize may be null. After a write that failed all further ones fail, and so does the
-    // finishing call, which then leaves the older file and a session without a set-up. *outData and *outSize
-    // are 0 where nothing is returned. data may be null if size is 0.
+    // outData and outSize may be null. After a write or a finishing call that failed, all further ones fail
+    // for the same reason until the session is closed. *outData and *outSize are 0 where nothing is returned.
+    // data may be null if size is 0.
     KRY_API std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
                                          std::uint32_t* outSize, void* extra);
     // Returns the next plain bytes of the file, freed by KRY_CryptoFree; data is null and size 0. On entry

@@ -145,6 +145,15 @@ TEST_F(KRYEncryptedFile, SetUpsFollowOneAnother)
     EXPECT_EQ("data", out);
 }
 
+TEST_F(KRYEncryptedFile, FailsAtEachTryToFinish)
+{
+    KRYTestSession session;
+    ASSERT_EQ(KRY_SUCCESS, session.cipher(m_path));
+    std::filesystem::create_directory(m_path);
+    EXPECT_EQ(KRY_ERROR_FILE, session.finish());
+    EXPECT_EQ(KRY_ERROR_FILE, session.finish());
+}
+
 TEST_F(KRYEncryptedFile, TakesWholePiecesFromManyThreads)
 {
     std::size_t const count = 5000, size = 100;
