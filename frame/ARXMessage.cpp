@@ -15,8 +15,7 @@ ARXMessage::~ARXMessage() = default;
 
 void ARXMessage::getMessage(char const* formatArgument, std::uint32_t id, I18NString& result)
 {
-    I18NString const former(std::move(result));  // formatArgument may be a part of it
-    result.remove();
+    I18NString const former = std::exchange(result, I18NString());  // formatArgument may be a part of it
     setMessage(id);
     format(formatArgument, formatArgument, result);
 }

@@ -5,8 +5,8 @@
 
 #include "NEBCore/NEBAssertError.h"
 #include "fuzz/Fuzz.h"
-#include "path/ARXFmDir.h"
 #include "fuzz/PathModel.h"
+#include "path/ARXFmDir.h"
 
 namespace
 {
