@@ -10,6 +10,8 @@
 // System calls that fail need no shim: faults.py leaves them to strace, and finds those between "/faults
 // begin" and "/faults end" in its log.
 
+#undef _FORTIFY_SOURCE  // brings an inline read of its own under clang
+
 #include "fault/FaultShim.h"
 
 #include <atomic>
