@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "Journal.h"
 #include "Text.h"
 
 namespace
@@ -73,8 +74,7 @@ void describeFile(std::string const& name, httplib::Response& response)
 }
 
 void respondWithFile(httplib::Request const& request, httplib::Ranges const& ranges,
-                     std::shared_ptr<StoredFile const> const& file, Journal& journal,
-                     httplib::Response& response)
+                     std::shared_ptr<StoredFile const> const& file, httplib::Response& response)
 {
     std::string const etag = file->getETag();
     response.set_header("ETag", etag);
@@ -85,7 +85,7 @@ void respondWithFile(httplib::Request const& request, httplib::Ranges const& ran
     if (response.status == 304)
         return;
     if (!isRangeWanted(request, ranges, etag))
-        return sendBytes(file, 0, file->getSize(), journal, response);
+        return sendBytes(file, 0, file->getSize(), response);
     Part const part = resolve(ranges[0], file->getSize());
     std::string const size = "/" + std::to_string(file->getSize());
     response.status = part.m_length != 0 ? 206 : 416;
@@ -93,21 +93,21 @@ void respondWithFile(httplib::Request const& request, httplib::Ranges const& ran
         return response.set_header("Content-Range", "bytes *" + size);
     response.set_header("Content-Range", "bytes " + std::to_string(part.m_first) + "-" +
                                              std::to_string(part.m_first + part.m_length - 1) + size);
-    sendBytes(file, part.m_first, part.m_length, journal, response);
+    sendBytes(file, part.m_first, part.m_length, response);
 }
 
 // One call of the provider writes all. An exception that left it would end the process.
 void sendBytes(std::shared_ptr<StoredFile const> const& file, std::uint64_t first, std::uint64_t length,
-               Journal& journal, httplib::Response& response)
+               httplib::Response& response)
 {
     response.set_header("Content-Length", std::to_string(length));
-    auto const sendAll = [=, &journal](std::size_t, httplib::DataSink& sink)
+    auto const sendAll = [=](std::size_t, httplib::DataSink& sink)
     {
         sink.done();
         auto const send = [&](char const* data, std::size_t size)
         {
             bool const sent = sink.write(data, size);
-            journal.countSent(sent ? size : 0);
+            Journal::countSent(sent ? size : 0);
             return sent;
         };
         try

@@ -181,7 +181,6 @@ void Gateway::install(httplib::Server& server)
 void Gateway::dispatch(httplib::Request const& request, httplib::Response& response,
                        httplib::ContentReader const* body)
 {
-    m_journal.begin();
     Exchange exchange{request, {}, response, body, ""};
     exchange.m_ranges.swap(const_cast<httplib::Request&>(request).ranges);
     try
@@ -259,7 +258,7 @@ void Gateway::serveFile(Exchange& exchange)
         return setText(exchange.m_response, 404, "There is no such file any more.");
     describeFile(name, exchange.m_response);
     if (m_accelPrefix.empty() || file->isSealed())
-        return respondWithFile(exchange.m_request, exchange.m_ranges, file, m_journal, exchange.m_response);
+        return respondWithFile(exchange.m_request, exchange.m_ranges, file, exchange.m_response);
     exchange.m_response.status = 200;
     exchange.m_response.set_header("X-Accel-Redirect", m_accelPrefix + percentEncode(name));
 }
@@ -275,7 +274,7 @@ void Gateway::serveFolder(Exchange& exchange)
     auto const archive = makeArchive(folder);
     describeFile(name + ".zip", exchange.m_response);
     exchange.m_response.status = 200;
-    sendBytes(archive, 0, archive->getSize(), m_journal, exchange.m_response);
+    sendBytes(archive, 0, archive->getSize(), exchange.m_response);
 }
 
 void Gateway::upload(Exchange& exchange)

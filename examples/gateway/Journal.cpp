@@ -2,16 +2,13 @@
 
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 #include "Text.h"
 
 namespace
 {
-using Clock = std::chrono::steady_clock;
-
-// The request that this thread serves.
-thread_local std::uint64_t t_sent = 0;
-thread_local Clock::time_point t_begin;
+thread_local std::uint64_t t_sent = 0;  // of the request that this thread serves
 
 // What clients send must not end a line or drive a terminal.
 std::string escape(std::string const& text)
@@ -26,12 +23,6 @@ std::string escape(std::string const& text)
 }
 }  // namespace
 
-void Journal::begin()
-{
-    t_sent = 0;
-    t_begin = Clock::now();
-}
-
 void Journal::countSent(std::size_t bytes)
 {
     t_sent += bytes;
@@ -39,12 +30,10 @@ void Journal::countSent(std::size_t bytes)
 
 void Journal::end(httplib::Request const& request, httplib::Response const& response)
 {
-    std::uint64_t const sent = request.method == "HEAD" ? 0 : t_sent + response.body.size();
-    auto const elapsed = Clock::now() - t_begin;
+    std::uint64_t const sent =
+        std::exchange(t_sent, 0) + (request.method == "HEAD" ? 0 : response.body.size());
     ++m_requests.at(static_cast<std::size_t>(response.status));
     m_sent += sent;
-    m_microseconds +=
-        static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count());
     std::fprintf(stderr, "%s - - [%s] \"%s %s %s\" %d %llu\n", request.remote_addr.c_str(),
                  formatTime("%d/%b/%Y:%H:%M:%S +0000", std::time(nullptr)).c_str(),
                  escape(request.method).c_str(), escape(request.target).c_str(),
@@ -58,8 +47,6 @@ std::string Journal::format() const
         if (std::uint64_t const count = m_requests[status])
             text += "arxgate_requests_total{code=\"" + std::to_string(status) + "\"} " +
                     std::to_string(count) + "\n";
-    return text + "# TYPE arxgate_request_seconds_total counter\narxgate_request_seconds_total " +
-           std::to_string(static_cast<double>(m_microseconds) / 1e6) +
-           "\n# TYPE arxgate_sent_bytes_total counter\narxgate_sent_bytes_total " + std::to_string(m_sent) +
-           "\n";
+    return text + "# TYPE arxgate_sent_bytes_total counter\narxgate_sent_bytes_total " +
+           std::to_string(m_sent) + "\n";
 }

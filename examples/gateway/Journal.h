@@ -1,13 +1,12 @@
 // Counts and logs requests.
 //
-// A thread begins, serves and ends one request at a time; any number of threads may do so.
+// A thread serves one request at a time; any number of threads may do so.
 
 #ifndef ARXGATE_JOURNAL_H
 #define ARXGATE_JOURNAL_H
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -16,8 +15,8 @@
 class Journal
 {
 public:
-    void begin();
-    void countSent(std::size_t bytes);
+    // Bytes of a body that the server doesn't hold, of this thread's request.
+    static void countSent(std::size_t bytes);
     // Writes a line in the common log format on standard error. Its size is that of the body as it was sent,
     // also where the response broke off.
     void end(httplib::Request const& request, httplib::Response const& response);
@@ -28,7 +27,6 @@ public:
 private:
     std::array<std::atomic<std::uint64_t>, 600> m_requests{};  // by status
     std::atomic<std::uint64_t> m_sent{0};
-    std::atomic<std::uint64_t> m_microseconds{0};
 };
 
 #endif
