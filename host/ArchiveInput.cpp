@@ -86,7 +86,7 @@ std::uint64_t countHeaders(std::string const& directory)
     {
         std::size_t const header = position;
         position += s_headerSize;
-        for (std::size_t const length : {28, 30, 32})  // of its name, extra field and comment
+        for (std::size_t const length : {28u, 30u, 32u})  // of its name, extra field and comment
             position += numberAt(directory, header + length, 2);
         ++count;
     }

@@ -42,7 +42,7 @@ void failedBy(NEBThrowable const& error, std::string const& object)
 
 std::string reasonOf(NEBThrowable const& error)
 {
-    std::string const message = error.getMessage();
+    std::string message = error.getMessage();
     std::size_t const first = message.find('"');
     std::size_t const last = message.rfind('"');
     if (!dynamic_cast<NEBAssertError const*>(&error) || first == last)

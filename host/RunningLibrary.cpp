@@ -11,7 +11,7 @@ std::string takeStartFailure()
 {
     char* details = nullptr;
     KRY_CryptoGetLastErrorDetails(nullptr, nullptr, &details);
-    std::string const text = details ? details : "";
+    std::string text = details ? details : "";
     KRY_CryptoFree(details, nullptr);
     return text;
 }
