@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include "Failure.h"
-#include "InputFile.h"
 #include "Interrupt.h"
 #include "NEBCore/NEBUtCrc32.h"
 #include "path/ARXFmDir.h"
@@ -129,13 +128,7 @@ void ArchiveInput::open(std::string const& path)
     if (S_ISREG(status.st_mode))
         return;
 
-    InputFile input(path);
-    while (std::vector<char> const* piece = &input.readPiece())
-    {
-        if (piece->empty())
-            break;
-        m_bytes.append(piece->data(), piece->size());
-    }
+    readFile(path, [this](char const* data, std::size_t size) { m_bytes.append(data, size); });
     m_file.reset(fmemopen(m_bytes.data(), m_bytes.size(), "rb"));
     if (!m_file)
         failed(NEB_HERE, m_name, "is no zip archive");

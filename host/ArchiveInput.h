@@ -12,13 +12,13 @@
 #include <memory>
 #include <string>
 
+#include "InputFile.h"
 #include "zip/ARXZipInputStream.h"
 
 class ArchiveInput
 {
 public:
     using Entry = ARXZipInputStream::zipEntry;
-    using Sink = std::function<void(char const*, std::size_t)>;
 
     // A pipe is read into memory first.
     explicit ArchiveInput(std::string const& path);

@@ -1,9 +1,7 @@
-#include <iostream>
-#include <memory>
-
 #include "ArchiveInput.h"
 #include "Commands.h"
 #include "Failure.h"
+#include "OutputFile.h"
 #include "path/ARXFmDir.h"
 
 namespace
@@ -22,9 +20,7 @@ int cat(CatOptions const& options)
         ArchiveInput::Entry const entry = naming(options.m_archive, [&] { return archive.readEntry(); });
         if (!ARXFmDir::isEquivalentPath(entry.szFileName, options.m_name.c_str()))
             continue;
-        auto const print = [](char const* data, std::size_t size)
-        { std::cout.write(data, static_cast<std::streamsize>(size)); };
-        naming(options.m_name, [&] { archive.copyEntry(entry, print); });
+        naming(options.m_name, [&] { archive.copyEntry(entry, printBytes); });
         return 0;
     }
     printError(options.m_archive + ": no entry " + options.m_name);
@@ -34,10 +30,8 @@ int cat(CatOptions const& options)
 
 void addCatCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<CatOptions>();
-    CLI::App* command =
-        app.add_subcommand("cat", "Print an archive's entry; exit code 1 if there is none of that name");
+    auto const [command, options] = addCommand(
+        app, chosen, "cat", "Print an archive's entry; exit code 1 if there is none of that name", cat);
     command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
     command->add_option("NAME", options->m_name, "The entry's name; / and \\ are equal")->required();
-    command->callback([&chosen, options] { chosen = [options] { return cat(*options); }; });
 }

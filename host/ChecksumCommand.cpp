@@ -1,7 +1,6 @@
 #include <cstdint>
 #include <iomanip>
 #include <iostream>
-#include <memory>
 
 #include "Commands.h"
 #include "NEBCore/I18NString.h"
@@ -26,12 +25,11 @@ int checksum(ChecksumOptions const& options)
 
 void addChecksumCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<ChecksumOptions>();
-    CLI::App* command = app.add_subcommand(
-        "checksum",
-        "Print the CRC-32 of a text in UTF-16, terminator included. It belongs to the byte "
-        "order of this machine: don't exchange it with machines of the other order.");
+    auto const [command, options] =
+        addCommand(app, chosen, "checksum",
+                   "Print the CRC-32 of a text in UTF-16, terminator included. It belongs to the byte "
+                   "order of this machine: don't exchange it with machines of the other order",
+                   checksum);
     command->add_option("TEXT", options->m_text, "The text, UTF-8")->required();
     command->add_flag("--fold", options->m_fold, "Fold upper-case letters first");
-    command->callback([&chosen, options] { chosen = [options] { return checksum(*options); }; });
 }

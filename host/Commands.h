@@ -4,12 +4,26 @@
 #define ARXHOST_COMMANDS_H
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 // What a command does once the command line is understood and the settings are loaded; returns the exit code.
 using Action = std::function<int()>;
+
+// Adds a command that calls run. The options, to which the caller binds what the user gives, live as long as
+// it.
+template <class Options>
+std::pair<CLI::App*, Options*> addCommand(CLI::App& app, Action& chosen, char const* name,
+                                          char const* description, int (*run)(Options const&))
+{
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand(name, description);
+    command->callback([&chosen, options, run] { chosen = [options, run] { return run(*options); }; });
+    return {command, options.get()};
+}
 
 // Each adds its command to app and, when the user calls it, stores in chosen what is to be done.
 void addCatCommand(CLI::App& app, Action& chosen);

@@ -1,12 +1,14 @@
 #include "InputFile.h"
 
 #include <cerrno>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "Failure.h"
 #include "Interrupt.h"
+#include "os/OsFile.h"
 
 namespace
 {
@@ -26,23 +28,24 @@ auto untilInterrupted(Call const& call)
 }
 }  // namespace
 
-InputFile::InputFile(std::string const& path)
-    : m_name(path == "-" ? "standard input" : path),
-      m_file(path == "-" ? -1 : untilInterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }))
+void readFile(std::string const& path, Sink const& sink)
 {
-    if (path != "-" && !m_file.isOpen())
-        systemFailed(NEB_HERE, m_name);
-}
-
-std::vector<char>& InputFile::readPiece()
-{
-    stopIfInterrupted();
-    int const descriptor = m_file.isOpen() ? m_file.getDescriptor() : STDIN_FILENO;
-    m_piece.resize(s_pieceSize);
-    ssize_t const count =
-        untilInterrupted([&] { return ::read(descriptor, m_piece.data(), m_piece.size()); });
+    bool const isStandardInput = path == "-";
+    std::string const name = isStandardInput ? "standard input" : path;
+    OsFile const file(isStandardInput
+                          ? dup(STDIN_FILENO)
+                          : untilInterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
+    if (!file.isOpen())
+        systemFailed(NEB_HERE, name);
+    std::vector<char> piece(s_pieceSize);
+    auto const readPiece = [&]
+    {
+        stopIfInterrupted();
+        return untilInterrupted([&] { return read(file.getDescriptor(), piece.data(), piece.size()); });
+    };
+    ssize_t count = 0;
+    while ((count = readPiece()) > 0)
+        sink(piece.data(), static_cast<std::size_t>(count));
     if (count < 0)
-        systemFailed(NEB_HERE, m_name);
-    m_piece.resize(static_cast<std::size_t>(count));
-    return m_piece;
+        systemFailed(NEB_HERE, name);
 }

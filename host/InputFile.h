@@ -1,28 +1,17 @@
-// A file or standard input, read in pieces.
+// Files that are read in pieces: memory does not grow with them.
 
 #ifndef ARXHOST_INPUTFILE_H
 #define ARXHOST_INPUTFILE_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
-#include <vector>
 
-#include "os/OsFile.h"
+// Takes the next bytes, at least one, which are its own until it returns.
+using Sink = std::function<void(char*, std::size_t)>;
 
-class InputFile
-{
-public:
-    // The path "-" means standard input. Raises NEBException that names the path, and Interrupted while it
-    // waits for a pipe.
-    explicit InputFile(std::string const& path);
-
-    // The next bytes, at least one; none at the end. Valid until the next call. Raises as the constructor.
-    std::vector<char>& readPiece();
-
-private:
-    std::string m_name;
-    OsFile m_file;  // closed for standard input
-    std::vector<char> m_piece;
-};
+// Gives sink the contents of a file, or of standard input if path is "-". Raises NEBException that names the
+// path, Interrupted also while it waits for a pipe, and what sink raises.
+void readFile(std::string const& path, Sink const& sink);
 
 #endif

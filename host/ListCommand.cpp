@@ -1,5 +1,4 @@
 #include <iostream>
-#include <memory>
 
 #include "ArchiveInput.h"
 #include "Commands.h"
@@ -57,9 +56,8 @@ int list(ListOptions const& options)
 
 void addListCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<ListOptions>();
-    CLI::App* command = app.add_subcommand("list", "List an archive, tabs between the columns");
+    auto const [command, options] =
+        addCommand(app, chosen, "list", "List an archive, tabs between the columns", list);
     command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
     command->add_flag("--json", options->m_json, "Print an object of JSON for each entry, a line each");
-    command->callback([&chosen, options] { chosen = [options] { return list(*options); }; });
 }

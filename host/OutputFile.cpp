@@ -1,5 +1,7 @@
 #include "OutputFile.h"
 
+#include <iostream>
+
 #include "Failure.h"
 
 OutputFile::OutputFile(std::string const& target, unsigned mode)
@@ -26,4 +28,9 @@ void OutputFile::require(bool isDone) const
 {
     if (!isDone)
         failed(NEB_HERE, m_file.getFailure());
+}
+
+void printBytes(char const* data, std::size_t size)
+{
+    std::cout.write(data, static_cast<std::streamsize>(size));
 }

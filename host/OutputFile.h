@@ -28,4 +28,7 @@ private:
     OsPlacedFile m_file;
 };
 
+// Writes to standard output.
+void printBytes(char const* data, std::size_t size);
+
 #endif

@@ -1,5 +1,6 @@
 #include <iostream>
-#include <memory>
+#include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
@@ -13,43 +14,38 @@ struct PathOptions
     std::string m_directory;
 };
 
-int normalize(PathOptions const& options)
+// Makes a result of a path and a directory.
+using Operation = std::string (*)(std::string const& path, std::string const& directory);
+
+std::string normalized(std::string const& path, std::string const&)
 {
-    for (std::string const& path : options.m_paths)
-    {
-        std::string normalized;
-        naming(path, [&] { ARXFmDir::getNormalizedPath(path, normalized); });
-        std::cout << normalized << '\n';
-    }
-    return 0;
+    std::string result;
+    ARXFmDir::getNormalizedPath(path, result);
+    return result;
 }
 
-int makeAbsolute(PathOptions const& options)
+std::string absolute(std::string const& path, std::string const& directory)
 {
-    for (std::string const& path : options.m_paths)
-    {
-        std::string absolute;
-        naming(path,
-               [&]
-               {
-                   if (options.m_directory.empty())
-                       ARXFmDir::getAbsolutePath(path.c_str(), absolute);
-                   else
-                       ARXFmDir::getAbsolutePath(options.m_directory.c_str(), path.c_str(), absolute);
-               });
-        std::cout << absolute << '\n';
-    }
-    return 0;
+    std::string result;
+    if (directory.empty())
+        ARXFmDir::getAbsolutePath(path.c_str(), result);
+    else
+        ARXFmDir::getAbsolutePath(directory.c_str(), path.c_str(), result);
+    return result;
 }
 
-int cutTail(PathOptions const& options)
+std::string tail(std::string const& path, std::string const& directory)
+{
+    std::string result;
+    ARXFmDir::getPathTail(result, directory.c_str(), path.c_str());
+    return result;
+}
+
+template <Operation operation>
+int printEach(PathOptions const& options)
 {
     for (std::string const& path : options.m_paths)
-    {
-        std::string tail;
-        ARXFmDir::getPathTail(tail, options.m_directory.c_str(), path.c_str());
-        std::cout << tail << '\n';
-    }
+        std::cout << naming(path, [&] { return operation(path, options.m_directory); }) << '\n';
     return 0;
 }
 
@@ -65,29 +61,28 @@ int compare(PathOptions const& options)
                   << " on\n";
     return equivalent ? 0 : 1;
 }
-
-CLI::App* addOperation(CLI::App& group, Action& chosen, std::shared_ptr<PathOptions> const& options,
-                       char const* name, char const* description, int (*operation)(PathOptions const&))
-{
-    CLI::App* command = group.add_subcommand(name, description);
-    command->add_option("PATH", options->m_paths, "A path")->required();
-    command->callback([&chosen, options, operation] { chosen = [=] { return operation(*options); }; });
-    return command;
-}
 }  // namespace
 
 void addPathCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<PathOptions>();
-    CLI::App* group = app.add_subcommand("path", "Work on paths as text, one result a line");
-    group->require_subcommand(1);
+    CLI::App& group = *app.add_subcommand("path", "Work on paths as text, one result a line");
+    group.require_subcommand(1);
+    auto const add = [&](char const* name, char const* description, int (*run)(PathOptions const&))
+    {
+        auto const added = addCommand(group, chosen, name, description, run);
+        added.first->add_option("PATH", added.second->m_paths, "A path")->required();
+        return added;
+    };
 
-    addOperation(*group, chosen, options, "normalize", "Print the canonical form", normalize);
-    addOperation(*group, chosen, options, "absolute", "Put relative paths under a directory", makeAbsolute)
-        ->add_option("--pwd", options->m_directory, "The directory; the current one if not given");
-    addOperation(*group, chosen, options, "tail", "Cut a directory off the front", cutTail)
-        ->add_option("--base", options->m_directory, "The directory; without it the last element stays");
-    addOperation(*group, chosen, options, "compare", "Compare two paths; exit code 1 if they differ", compare)
-        ->get_option("PATH")
+    add("normalize", "Print the canonical form", printEach<normalized>);
+    auto const [absoluteCommand, absoluteOptions] =
+        add("absolute", "Put relative paths under a directory", printEach<absolute>);
+    absoluteCommand->add_option("--pwd", absoluteOptions->m_directory,
+                                "The directory; the current one if not given");
+    auto const [tailCommand, tailOptions] = add("tail", "Cut a directory off the front", printEach<tail>);
+    tailCommand->add_option("--base", tailOptions->m_directory,
+                            "The directory; without it the last element stays");
+    add("compare", "Compare two paths; exit code 1 if they differ", compare)
+        .first->get_option("PATH")
         ->expected(2);
 }

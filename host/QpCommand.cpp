@@ -1,8 +1,6 @@
-#include <iostream>
-#include <memory>
-
 #include "Commands.h"
 #include "InputFile.h"
+#include "OutputFile.h"
 #include "streams/ARXOJDQuotedPrintableOutputStream.h"
 
 namespace
@@ -10,27 +8,21 @@ namespace
 class StandardOutput : public OJDOutputStream
 {
 public:
-    void write(char const* data, std::size_t size) override
-    {
-        std::cout.write(data, static_cast<std::streamsize>(size));
-    }
+    void write(char const* data, std::size_t size) override { printBytes(data, size); }
 };
 
-int encode(bool trailingTabOnly)
+int encode(bool const& trailingTabOnly)
 {
     StandardOutput output;
-    InputFile input("-");
     ARXOJDQuotedPrintableOutputStream filter(output, trailingTabOnly);
-    for (auto* piece = &input.readPiece(); !piece->empty(); piece = &input.readPiece())
-        filter.write(piece->data(), piece->size());
+    readFile("-", [&filter](char const* data, std::size_t size) { filter.write(data, size); });
     return 0;  // the filter's end brings out its last line; what fails there shows when the output is flushed
 }
 }  // namespace
 
 void addQpCommand(CLI::App& app, Action& chosen)
 {
-    auto const trailingTabOnly = std::make_shared<bool>(false);
-    CLI::App* command = app.add_subcommand("qp", "Encode standard input as quoted-printable text");
+    auto const [command, trailingTabOnly] =
+        addCommand(app, chosen, "qp", "Encode standard input as quoted-printable text", encode);
     command->add_flag("--trailing-tab-only", *trailingTabOnly, "Leave tabs literal unless they end a line");
-    command->callback([&chosen, trailingTabOnly] { chosen = [=] { return encode(*trailingTabOnly); }; });
 }

@@ -1,4 +1,3 @@
-#include <memory>
 
 #include "Commands.h"
 #include "Failure.h"
@@ -36,18 +35,17 @@ int unseal(SealOptions const& options)
 
 void addSealCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<SealOptions>();
-    CLI::App* command = app.add_subcommand("seal", "Write an encrypted copy of a file");
+    auto const [command, options] =
+        addCommand(app, chosen, "seal", "Write an encrypted copy of a file", seal);
     command->add_option("FILE", options->m_source, "The file, or - for standard input")->required();
     command->add_option("OUT", options->m_target, "The encrypted copy; an existing one is replaced")
         ->required();
-    command->callback([&chosen, options] { chosen = [options] { return seal(*options); }; });
 }
 
 void addUnsealCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<SealOptions>();
-    CLI::App* command = app.add_subcommand("unseal", "Write the contents of an encrypted file");
+    auto const [command, options] =
+        addCommand(app, chosen, "unseal", "Write the contents of an encrypted file", unseal);
     command->add_option("FILE", options->m_source, "The encrypted file")->required();
     command
         ->add_option(
@@ -55,5 +53,4 @@ void addUnsealCommand(CLI::App& app, Action& chosen)
             "The plain copy, for its owner alone unless it replaces a file; or - for standard output, "
             "whose bytes count only if the exit code is 0")
         ->required();
-    command->callback([&chosen, options] { chosen = [options] { return unseal(*options); }; });
 }

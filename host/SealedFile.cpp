@@ -1,10 +1,7 @@
 #include "SealedFile.h"
 
 #include <cerrno>
-#include <functional>
-#include <iostream>
 #include <memory>
-#include <vector>
 
 #include "Failure.h"
 #include "InputFile.h"
@@ -28,29 +25,26 @@ struct CloseSession
 using Session = std::unique_ptr<ARXKRYHandleI, CloseSession>;
 
 // Sealed files are those of the library's own encrypted streams, so they belong to that service.
-Session openSession(std::string const& file, std::string const& setUp)
+Session openSession(std::string const& setUp)
 {
     Session session(ARXKRYHandleFactory::createHandle());
     session->persistentInitialize(
         "<sessionConfigDocument><serviceID>ARXIUM</serviceID></sessionConfigDocument>", nullptr);
-    naming(file,
-           [&] { session->setInfo(("<setInfoDocument>" + setUp + "</setInfoDocument>").c_str(), nullptr); });
+    session->setInfo(("<setInfoDocument>" + setUp + "</setInfoDocument>").c_str(), nullptr);
     return session;
 }
 
-void protect(ARXKRYHandleI& session, std::vector<char> const& piece, std::string const& target)
+void protect(ARXKRYHandleI& session, char const* data, std::size_t dataSize, std::string const& target)
 {
     char* nothing = nullptr;
     std::size_t size = 0;
     errno = 0;
-    std::int32_t const status = session.protectData(piece.data(), piece.size(), &nothing, &size, nullptr);
+    std::int32_t const status = session.protectData(data, dataSize, &nothing, &size, nullptr);
     if (status == KRY_ERROR_FILE && errno != 0)
         systemFailed(NEB_HERE, target);
     if (!KRY_SUCCEEDED(status))
         failed(NEB_HERE, target, "can't be written");
 }
-
-using Sink = std::function<void(char const*, std::size_t)>;
 
 // Gives the next piece to sink; false at the authenticated end.
 bool unprotect(ARXKRYHandleI& session, std::string const& source, Sink const& sink)
@@ -73,10 +67,11 @@ void unsealTo(std::string const& source, Sink const& sink)
 {
     if (!OsFile().open(source.c_str(), OsFile::s_read | OsFile::s_noWait))
         systemFailed(NEB_HERE, source);  // shorter than the crypto interface's words
-    Session const session =
-        openSession(source, "<action>DecipherStream</action><fileInput>" + source + "</fileInput>");
+    Session const session = naming(
+        source,
+        [&] { return openSession("<action>DecipherStream</action><fileInput>" + source + "</fileInput>"); });
     Progress progress;
-    auto const counted = [&](char const* data, std::size_t size)
+    auto const counted = [&](char* data, std::size_t size)
     {
         stopIfInterrupted();
         progress.addBytes(size);
@@ -89,24 +84,23 @@ void unsealTo(std::string const& source, Sink const& sink)
 
 void sealFile(std::string const& source, std::string const& target)
 {
-    InputFile input(source);
     Session const session =
-        openSession(target, "<action>CipherStream</action><fileOutput>" + target + "</fileOutput>");
+        openSession("<action>CipherStream</action><fileOutput>" + target + "</fileOutput>");
     Progress progress;
-    for (std::vector<char> const* piece = &input.readPiece(); !piece->empty(); piece = &input.readPiece())
-    {
-        protect(*session, *piece, target);
-        progress.addBytes(piece->size());
-    }
+    readFile(source,
+             [&](char const* data, std::size_t size)
+             {
+                 protect(*session, data, size, target);
+                 progress.addBytes(size);
+             });
     session->setInfo("<setInfoDocument><dataLocation>file</dataLocation></setInfoDocument>", nullptr);
-    protect(*session, {}, target);
+    protect(*session, nullptr, 0, target);
 }
 
 void unsealFile(std::string const& source, std::string const& target)
 {
     if (target == "-")
-        return unsealTo(source, [](char const* data, std::size_t size)
-                        { std::cout.write(data, static_cast<std::streamsize>(size)); });
+        return unsealTo(source, printBytes);
 
     OutputFile output(target, s_ownerOnly);
     unsealTo(source, [&output](char const* data, std::size_t size) { output.write(data, size); });

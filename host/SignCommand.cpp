@@ -1,5 +1,4 @@
 #include <iostream>
-#include <memory>
 
 #include "Commands.h"
 #include "RunningLibrary.h"
@@ -69,22 +68,19 @@ void addSessionOption(CLI::App& command, std::string& session)
 
 void addSignCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<SignOptions>();
-    CLI::App* command = app.add_subcommand("sign", "Print the signed URL of a stored file");
+    auto const [command, options] =
+        addCommand(app, chosen, "sign", "Print the signed URL of a stored file", sign);
     command->add_option("FILE", options->m_file, "The file; its directory does not enter the URL")
         ->required();
     addSessionOption(*command, options->m_session);
     command->add_flag("--dispatcher", options->m_dispatcher, "Use the external dispatcher's base path");
-    command->callback([&chosen, options] { chosen = [options] { return sign(*options); }; });
 }
 
 void addCheckCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<CheckOptions>();
-    CLI::App* command =
-        app.add_subcommand("check", "Rebuild a signed URL and compare; exit code 1 if it is wrong");
+    auto const [command, options] = addCommand(
+        app, chosen, "check", "Rebuild a signed URL and compare; exit code 1 if it is wrong", check);
     command->add_option("URL", options->m_url, "The URL, with or without a base path")->required();
     addSessionOption(*command, options->m_session);
     command->add_flag("--json", options->m_json, "Print the answer as an object of JSON");
-    command->callback([&chosen, options] { chosen = [options] { return check(*options); }; });
 }

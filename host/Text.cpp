@@ -12,11 +12,6 @@ struct Character
     bool m_isControl;
 };
 
-bool isContinuation(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 Character readCharacter(std::string_view text)
 {
     unsigned const lead = static_cast<unsigned char>(text[0]);
@@ -28,9 +23,10 @@ Character readCharacter(std::string_view text)
     unsigned code = lead & (0x7Fu >> size);
     for (std::size_t i = 1; i < size; ++i)
     {
-        if (!isContinuation(text[i]))
+        unsigned const byte = static_cast<unsigned char>(text[i]);
+        if ((byte & 0xC0) != 0x80)
             return {1, false, false};
-        code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3F);
+        code = code << 6 | (byte & 0x3F);
     }
     unsigned constexpr smallest[] = {0x80, 0x800, 0x10000};
     if (code < smallest[size - 2] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000))
@@ -38,16 +34,23 @@ Character readCharacter(std::string_view text)
     return {size, true, code < 0xA0};
 }
 
-bool isUtf8(std::string_view text)
+// Calls visit with the bytes of each character and what it is.
+template <class Visit>
+void visitCharacters(std::string_view text, Visit const& visit)
 {
     while (!text.empty())
     {
         Character const character = readCharacter(text);
-        if (!character.m_isValid)
-            return false;
+        visit(text.substr(0, character.m_size), character);
         text.remove_prefix(character.m_size);
     }
-    return true;
+}
+
+bool isUtf8(std::string_view text)
+{
+    bool isValid = true;
+    visitCharacters(text, [&](std::string_view, Character const& each) { isValid &= each.m_isValid; });
+    return isValid;
 }
 
 std::string hex(std::string_view bytes, char const* before)
@@ -78,26 +81,20 @@ std::string jsonCharacter(std::string_view bytes, Character const& character)
 std::string printable(std::string const& text)
 {
     std::string shown;
-    for (std::string_view rest = text; !rest.empty();)
-    {
-        Character const character = readCharacter(rest);
-        std::string_view const bytes = rest.substr(0, character.m_size);
-        bool const isSafe = character.m_isValid && !character.m_isControl;
-        shown += isSafe ? std::string(bytes) : hex(bytes, "\\x");
-        rest.remove_prefix(character.m_size);
-    }
+    visitCharacters(text,
+                    [&](std::string_view bytes, Character const& each)
+                    {
+                        bool const isSafe = each.m_isValid && !each.m_isControl;
+                        shown += isSafe ? std::string(bytes) : hex(bytes, "\\x");
+                    });
     return shown;
 }
 
 std::string jsonText(std::string const& text)
 {
     std::string quoted = "\"";
-    for (std::string_view rest = text; !rest.empty();)
-    {
-        Character const character = readCharacter(rest);
-        quoted += jsonCharacter(rest.substr(0, character.m_size), character);
-        rest.remove_prefix(character.m_size);
-    }
+    visitCharacters(
+        text, [&](std::string_view bytes, Character const& each) { quoted += jsonCharacter(bytes, each); });
     return quoted + '"';
 }
 

@@ -1,7 +1,6 @@
 #include <ctime>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -126,11 +125,10 @@ int unzip(UnzipOptions const& options)
 
 void addUnzipCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<UnzipOptions>();
-    CLI::App* command = app.add_subcommand(
-        "unzip", "Extract an archive; entries that can't be extracted are named, the others stay");
+    auto const [command, options] =
+        addCommand(app, chosen, "unzip",
+                   "Extract an archive; entries that can't be extracted are named, the others stay", unzip);
     command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
     command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given");
     command->add_flag("--ignore-path", options->m_ignorePath, "Put every file into the folder itself");
-    command->callback([&chosen, options] { chosen = [options] { return unzip(*options); }; });
 }

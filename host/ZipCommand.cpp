@@ -4,7 +4,6 @@
 #include <ctime>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -134,21 +133,22 @@ public:
     // Raises NEBException where file can't be read as it was found.
     void add(SourceFile& file, Progress& progress)
     {
-        InputFile input(file.m_path);
         zip_fileinfo info = makeFileInfo(file.m_time);
         write([&] { m_zip.openNewFileInZip(file.m_name.c_str(), &info, nullptr, s_method, s_level); });
         std::uint64_t size = 0;
-        for (auto* piece = &input.readPiece(); !piece->empty() && size <= file.m_size;
-             piece = &input.readPiece())
+        auto const addPiece = [&](char* data, std::size_t count)
         {
-            auto* const bytes = reinterpret_cast<unsigned char*>(piece->data());
-            write([&] { m_zip.writeInFileInZip(bytes, static_cast<unsigned>(piece->size())); });
-            file.m_crc = NEBUtCrc32::crc32(file.m_crc, piece->data(), piece->size());
-            size += piece->size();
-            progress.addBytes(piece->size());
-        }
-        if (size != file.m_size)
-            failed(NEB_HERE, file.m_path, "grew or shrank while it was read");
+            size += count;
+            if (size > file.m_size)
+                failed(NEB_HERE, file.m_path, "grew while it was read");
+            auto* const bytes = reinterpret_cast<unsigned char*>(data);
+            write([&] { m_zip.writeInFileInZip(bytes, static_cast<unsigned>(count)); });
+            file.m_crc = NEBUtCrc32::crc32(file.m_crc, data, count);
+            progress.addBytes(count);
+        };
+        readFile(file.m_path, addPiece);
+        if (size < file.m_size)
+            failed(NEB_HERE, file.m_path, "shrank while it was read");
         progress.addFile();
     }
 
@@ -184,7 +184,7 @@ private:
         auto file = files.begin();
         auto const compare = [&](ArchiveInput::Entry const& entry)
         {
-            archive.copyEntry(entry, [](char const*, std::size_t) {});
+            archive.copyEntry(entry, [](char*, std::size_t) {});
             if (file == files.end() || entry.szFileName != file->m_name || entry.crc != file->m_crc)
                 failed(NEB_HERE, "was not written as it was read");
             ++file;
@@ -245,8 +245,8 @@ int zip(ZipOptions const& options)
 
 void addZipCommand(CLI::App& app, Action& chosen)
 {
-    auto const options = std::make_shared<ZipOptions>();
-    CLI::App* command = app.add_subcommand("zip", "Pack a directory tree into a new archive");
+    auto const [command, options] =
+        addCommand(app, chosen, "zip", "Pack a directory tree into a new archive", zip);
     command
         ->add_option("ARCHIVE", options->m_archive,
                      "The archive; an existing one is replaced, but only by one that holds every file")
@@ -255,5 +255,4 @@ void addZipCommand(CLI::App& app, Action& chosen)
     CLI::Option* base =
         command->add_option("--base", options->m_base, "Name entries relative to this directory");
     command->add_flag("--flat", options->m_flat, "Name entries by the last element alone")->excludes(base);
-    command->callback([&chosen, options] { chosen = [options] { return zip(*options); }; });
 }

