@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <ostream>
 
 #include "NEBCore/I18NString.h"
@@ -16,24 +17,37 @@ namespace
 {
 std::size_t constexpr s_unitSize = sizeof(unsigned short);
 
+// Sizes are 64 bits wide on every machine. Those of blocks that exist fit the machine's own type.
+std::size_t inMemory(std::uint64_t size)
+{
+    return static_cast<std::size_t>(size);
+}
+
+unsigned char* allocate(std::uint64_t size)
+{
+    if (inMemory(size) != size)
+        throw std::bad_alloc();
+    return new unsigned char[inMemory(size)];
+}
+
 // The size in bytes with the terminator; 0 for no text.
-std::uint64_t sizeOf(unsigned short const* text)
+std::size_t sizeOf(unsigned short const* text)
 {
     if (!text || *text == 0)
         return 0;
-    std::uint64_t units = 1;
+    std::size_t units = 1;
     while (text[units] != 0)
         ++units;
     return (units + 1) * s_unitSize;
 }
 
-std::uint64_t sizeOf(I18NString const& text)
+std::size_t sizeOf(I18NString const& text)
 {
-    return static_cast<std::uint64_t>(text.size());
+    return static_cast<std::size_t>(text.size());
 }
 
 // The ranges may overlap.
-void moveBytes(unsigned char* target, void const* source, std::uint64_t size)
+void moveBytes(unsigned char* target, void const* source, std::size_t size)
 {
     if (size != 0)  // memmove takes no null pointer
         std::memmove(target, source, size);
@@ -47,13 +61,13 @@ unsigned char toLower(unsigned char byte)
 }
 
 // Piece by piece, because a checksum call for each byte would take twice as long.
-std::uint32_t foldedCrc(unsigned char const* bytes, std::uint64_t size)
+std::uint32_t foldedCrc(unsigned char const* bytes, std::size_t size)
 {
     std::uint32_t crc = 0;
     unsigned char folded[256];
-    for (std::uint64_t done = 0; done < size; done += sizeof folded)
+    for (std::size_t done = 0; done < size; done += sizeof folded)
     {
-        std::uint64_t const count = std::min<std::uint64_t>(size - done, sizeof folded);
+        std::size_t const count = std::min(size - done, sizeof folded);
         std::transform(bytes + done, bytes + done + count, folded, toLower);
         crc = NEBUtCrc32::crc32(crc, folded, count);
     }
@@ -94,7 +108,7 @@ ARNEBI18NBuffer::~ARNEBI18NBuffer()
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(ARNEBI18NBuffer const& other)
 {
-    return this == &other ? *this : assign(other.m_buffer, other.m_size);
+    return this == &other ? *this : assign(other.m_buffer, inMemory(other.m_size));
 }
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(I18NString const& text)
@@ -115,7 +129,7 @@ ARNEBI18NBuffer& ARNEBI18NBuffer::operator=(unsigned short const& unit)
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(ARNEBI18NBuffer const& other)
 {
-    return append(other.m_buffer, other.m_size);
+    return append(other.m_buffer, inMemory(other.m_size));
 }
 
 ARNEBI18NBuffer& ARNEBI18NBuffer::operator+=(I18NString const& text)
@@ -138,7 +152,7 @@ I18NString ARNEBI18NBuffer::getString() const
 {
     if (m_size == 0)
         return I18NString();
-    std::int32_t const size = NEBDowncastSize::int32(m_size, __FILE__, __LINE__);
+    std::int32_t const size = NEBDowncastSize::int32(inMemory(m_size), __FILE__, __LINE__);
     I18NString text(size, nullptr, nullptr);
     text.setTo(m_buffer, static_cast<std::uint32_t>(size));
     return text;
@@ -149,20 +163,20 @@ void ARNEBI18NBuffer::getString(I18NString& text) const
     if (m_size == 0)
         text.erase(0, -1);
     else
-        text.setTo(m_buffer, NEBDowncastSize::uint32(m_size, __FILE__, __LINE__));
+        text.setTo(m_buffer, NEBDowncastSize::uint32(inMemory(m_size), __FILE__, __LINE__));
 }
 
 std::uint32_t ARNEBI18NBuffer::getCrc() const
 {
     if (m_crc == 0 && m_size != 0 && m_buffer)
-        m_crc = NEBUtCrc32::crc32(0, m_buffer, m_size);
+        m_crc = NEBUtCrc32::crc32(0, m_buffer, inMemory(m_size));
     return m_crc;
 }
 
 std::uint32_t ARNEBI18NBuffer::getCssCrc() const
 {
     if (m_cssCrc == 0 && m_size != 0 && m_buffer)
-        m_cssCrc = foldedCrc(m_buffer, m_size);
+        m_cssCrc = foldedCrc(m_buffer, inMemory(m_size));
     return m_cssCrc;
 }
 
@@ -170,24 +184,25 @@ bool ARNEBI18NBuffer::operator==(ARNEBI18NBuffer const& other) const
 {
     if (this == &other)
         return true;  // also without the block that createBuffer couldn't have
-    return m_size == other.m_size && (m_size == 0 || std::memcmp(m_buffer, other.m_buffer, m_size) == 0);
+    return m_size == other.m_size &&
+           (m_size == 0 || std::memcmp(m_buffer, other.m_buffer, inMemory(m_size)) == 0);
 }
 
 bool ARNEBI18NBuffer::operator==(I18NString const& text) const
 {
     return m_size == sizeOf(text) &&
-           (m_size == 0 || std::memcmp(m_buffer, text.getExternalBuffer(), m_size) == 0);
+           (m_size == 0 || std::memcmp(m_buffer, text.getExternalBuffer(), inMemory(m_size)) == 0);
 }
 
 bool ARNEBI18NBuffer::startsWith(ARNEBI18NBuffer const& other) const
 {
-    return comparesWith(other) && std::memcmp(m_buffer, other.m_buffer, other.getDataSize()) == 0;
+    return comparesWith(other) && std::memcmp(m_buffer, other.m_buffer, inMemory(other.getDataSize())) == 0;
 }
 
 bool ARNEBI18NBuffer::endsWith(ARNEBI18NBuffer const& other) const
 {
-    return comparesWith(other) &&
-           std::memcmp(m_buffer + (m_size - other.m_size), other.m_buffer, other.getDataSize()) == 0;
+    return comparesWith(other) && std::memcmp(m_buffer + (m_size - other.m_size), other.m_buffer,
+                                              inMemory(other.getDataSize())) == 0;
 }
 
 void ARNEBI18NBuffer::clear()
@@ -236,7 +251,7 @@ void ARNEBI18NBuffer::createBuffer(std::uint64_t bytes)
     if (bytes <= sizeof m_inlineBuffer)
         m_buffer = reinterpret_cast<unsigned char*>(m_inlineBuffer);
     else
-        NEB_NEW(m_buffer, new unsigned char[bytes]);
+        NEB_NEW(m_buffer, allocate(bytes));
 }
 
 // Whether both have code units and other isn't the longer one.
@@ -245,7 +260,7 @@ bool ARNEBI18NBuffer::comparesWith(ARNEBI18NBuffer const& other) const
     return m_buffer && other.m_buffer && other.m_size > s_unitSize && m_size >= other.m_size;
 }
 
-ARNEBI18NBuffer& ARNEBI18NBuffer::assign(void const* source, std::uint64_t size)
+ARNEBI18NBuffer& ARNEBI18NBuffer::assign(void const* source, std::size_t size)
 {
     // A source in our own storage fits it, so that it is still whole when it is moved.
     if (!m_buffer || size > m_capacity)
@@ -261,9 +276,9 @@ ARNEBI18NBuffer& ARNEBI18NBuffer::assign(void const* source, std::uint64_t size)
     return *this;
 }
 
-ARNEBI18NBuffer& ARNEBI18NBuffer::append(void const* source, std::uint64_t size)
+ARNEBI18NBuffer& ARNEBI18NBuffer::append(void const* source, std::size_t size)
 {
-    std::uint64_t const kept = getDataSize();
+    std::size_t const kept = inMemory(getDataSize());
     if (size == 0 || kept == 0)
         return size == 0 ? *this : assign(source, size);
 

@@ -19,6 +19,7 @@
 #ifndef ARXIUM_TEXT_ARNEBI18NBUFFER_H
 #define ARXIUM_TEXT_ARNEBI18NBUFFER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 
@@ -100,8 +101,8 @@ protected:
 private:
     bool hasBlock() const { return m_buffer && m_buffer != static_cast<void const*>(m_inlineBuffer); }
     bool comparesWith(ARNEBI18NBuffer const& other) const;
-    ARNEBI18NBuffer& assign(void const* source, std::uint64_t size);
-    ARNEBI18NBuffer& append(void const* source, std::uint64_t size);
+    ARNEBI18NBuffer& assign(void const* source, std::size_t size);
+    ARNEBI18NBuffer& append(void const* source, std::size_t size);
 
     unsigned short m_inlineBuffer[16];  // starts with 0 when the buffer is empty
     unsigned char* m_buffer;            // null, m_inlineBuffer or a block that this object owns
