@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -29,40 +28,23 @@ bool isEscapedByte(char16_t unit)
     return unit >= s_escapeBase + 0x80 && unit <= s_escapeBase + 0xFF;
 }
 
-// The well-formed sequences of more than one byte: the Unicode Standard, table 3-7.
-struct SequenceRule
-{
-    unsigned m_firstLead;
-    unsigned m_lastLead;
-    std::size_t m_length;
-    unsigned m_leastSecond;
-    unsigned m_mostSecond;
-};
-SequenceRule constexpr s_rules[] = {
-    {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF}, {0xE1, 0xEC, 3, 0x80, 0xBF},
-    {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF}, {0xF0, 0xF0, 4, 0x90, 0xBF},
-    {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
-};
-
-// Returns the length of the sequence at text and writes its code point; returns 0 if it is not well-formed.
+// Returns the length of the sequence of more than one byte at text and writes its code point; returns 0 if it
+// is not well-formed (the Unicode Standard, table 3-7).
 std::size_t decodeSequence(unsigned char const* text, unsigned char const* end, char32_t& point)
 {
-    SequenceRule const* const rule =
-        std::find_if(std::begin(s_rules), std::end(s_rules),
-                     [text](auto const& each) { return *text <= each.m_lastLead; });
-    if (rule == std::end(s_rules) || *text < rule->m_firstLead ||
-        static_cast<std::size_t>(end - text) < rule->m_length || text[1] < rule->m_leastSecond ||
-        text[1] > rule->m_mostSecond)
+    std::size_t const length = *text < 0xE0 ? 2 : *text < 0xF0 ? 3 : 4;
+    if (*text < 0xC2 || *text > 0xF4 || static_cast<std::size_t>(end - text) < length)
         return 0;
-
-    point = *text & (0xFFu >> (rule->m_length + 1));
-    for (std::size_t i = 1; i < rule->m_length; ++i)
+    point = *text & (0x7Fu >> length);
+    for (std::size_t i = 1; i < length; ++i)
     {
         if ((text[i] & 0xC0) != 0x80)
             return 0;
         point = point << 6 | (text[i] & 0x3Fu);
     }
-    return rule->m_length;
+    char32_t constexpr least[] = {0x80, 0x800, 0x10000};
+    bool const isSurrogate = (point & ~0x7FFu) == 0xD800;
+    return point < least[length - 2] || point > 0x10FFFF || isSurrogate ? 0 : length;
 }
 
 std::u16string decodeUtf8(char const* text, std::size_t size)
@@ -151,28 +133,20 @@ I18NString::I18NString(I18NString&& other) noexcept
     : m_units(std::move(other.m_units)), m_utf8(other.m_utf8.load(std::memory_order_relaxed))
 {
     other.m_utf8.store(nullptr, std::memory_order_relaxed);
-    other.m_units.clear();
 }
 
 I18NString& I18NString::operator=(I18NString const& other)
 {
-    if (this != &other)
-    {
-        m_units = other.m_units;
-        changed();
-    }
+    m_units = other.m_units;
+    changed();
     return *this;
 }
 
 I18NString& I18NString::operator=(I18NString&& other) noexcept
 {
-    if (this != &other)
-    {
-        m_units.swap(other.m_units);
-        other.m_units.clear();
-        changed();
-        other.changed();
-    }
+    m_units = std::move(other.m_units);
+    changed();
+    other.changed();
     return *this;
 }
 
@@ -190,11 +164,6 @@ void I18NString::setTo(void const* buffer, std::uint32_t size)
         units.pop_back();
     m_units = std::move(units);
     changed();
-}
-
-void I18NString::setTo(char const* text)
-{
-    *this = I18NString(text);
 }
 
 char const* I18NString::c_str(void*, void*, void*, void*) const
@@ -240,10 +209,8 @@ I18NString I18NString::substr(std::int32_t start, std::int32_t count) const
 I18NString I18NString::substring(std::int32_t start, std::int32_t end) const
 {
     std::size_t const from = clamp(start);
-    std::size_t const to = clamp(end);
     I18NString result;
-    if (from < to)
-        result.m_units = m_units.substr(from, to - from);
+    result.m_units = m_units.substr(from, std::max(clamp(end), from) - from);
     return result;
 }
 

@@ -44,9 +44,9 @@ public:
     // Copies size bytes of UTF-16 in the byte order of the machine. One zero unit at the end is the
     // terminator and not part of the text; an odd last byte is ignored.
     void setTo(void const* buffer, std::uint32_t size);
-    void setTo(char const* text);
 
-    // Terminated UTF-8 that lives until the string is changed or destroyed. The arguments are reserved.
+    // Terminated UTF-8 that lives until the string, or the one that it is moved into, is changed or
+    // destroyed. The arguments are reserved.
     char const* c_str(void* = nullptr, void* = nullptr, void* = nullptr, void* = nullptr) const;
     // The code units and their terminator, size() bytes. Valid until the string is changed.
     std::uint16_t const* getExternalBuffer() const;

@@ -20,8 +20,8 @@
 class NEBCORE_API NEBByteBuffer
 {
 public:
-    // In bytes: the size of the first allocation, made when 256 bytes are not enough, and the least growth.
-    NEBByteBuffer(std::size_t initialSize, std::size_t increment);
+    // The arguments are reserved: 256 bytes need no allocation, and the buffer doubles from there.
+    NEBByteBuffer(std::size_t, std::size_t) {}
     ~NEBByteBuffer();
 
     NEBByteBuffer(NEBByteBuffer const&) = delete;
@@ -35,7 +35,7 @@ public:
     // The number of bytes held.
     std::size_t pcount() const { return m_count; }
 
-    // bytes may lie in this buffer.
+    // bytes must not lie in this buffer.
     void appendChars(char const* bytes, std::size_t size);
     NEBByteBuffer& operator<<(char byte)
     {
@@ -65,12 +65,10 @@ private:
     bool hasBlock() const { return m_bytes != m_ownRoom; }
     void grow(std::size_t size);
 
-    std::size_t m_initialSize;
-    std::size_t m_increment;
-    char* m_bytes;  // m_ownRoom, or from malloc
-    std::size_t m_count;
-    std::size_t m_capacity;
-    char m_ownRoom[256];  // spares short contents an allocation
+    char m_ownRoom[256];        // spares short contents an allocation
+    char* m_bytes = m_ownRoom;  // or from malloc
+    std::size_t m_count = 0;
+    std::size_t m_capacity = sizeof m_ownRoom;
 };
 
 #endif

@@ -6,54 +6,18 @@
 #include "NEBCore/NEBIndent.h"
 #include "NEBCore/NEBMessageString.h"
 
-namespace
-{
-std::int32_t constexpr s_defaultCode = 0;
-NEBSeverity constexpr s_defaultSeverity = 1;
-}  // namespace
-
-NEBException::NEBException(std::int32_t code) : NEBException(s_defaultSeverity, code) {}
-
-NEBException::NEBException(NEBSeverity severity, std::int32_t code) : m_severity(severity), m_code(code) {}
-
-NEBException::NEBException(char const* text) : NEBException(s_defaultSeverity, text) {}
-
-NEBException::NEBException(NEBSeverity severity, char const* text) : NEBException(severity, s_defaultCode)
+NEBException::NEBException(NEBSeverity severity, char const* text) : NEBException(severity, 0)
 {
     if (text)
         addMessage(NEBMessageString(I18NString(text)));
 }
 
-NEBException::NEBException(NEBException const& other) noexcept = default;
-
-NEBException& NEBException::operator=(NEBException const& other) noexcept = default;
-
 NEBException::~NEBException() = default;
-
-NEBThrowable* NEBException::clone() const
-{
-    return new NEBException(*this);
-}
 
 void NEBException::hurl(NEBFileLocation const& where, char const* text, char const* macro)
 {
     addBackTrace(where, text, macro);
     throw *this;
-}
-
-char const* NEBException::getMessage()
-{
-    return static_cast<NEBException const*>(this)->getMessage();
-}
-
-char const* NEBException::getThrowableName() const
-{
-    return "NEBException";
-}
-
-char const* NEBException::toString()
-{
-    return NEBThrowable::toString();
 }
 
 char const* NEBException::getMessage() const

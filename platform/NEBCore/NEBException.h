@@ -16,20 +16,20 @@ class NEBCORE_API NEBException : public NEBThrowable, public NEBMessageSet
 {
 public:
     // Severity is 1 and code 0 unless given. text (UTF-8, null for none) becomes a message.
-    explicit NEBException(std::int32_t code);
-    NEBException(NEBSeverity severity, std::int32_t code);
-    explicit NEBException(char const* text);
+    explicit NEBException(std::int32_t code) : NEBException(1, code) {}
+    NEBException(NEBSeverity severity, std::int32_t code) : m_severity(severity), m_code(code) {}
+    explicit NEBException(char const* text) : NEBException(1, text) {}
     NEBException(NEBSeverity severity, char const* text);
-    NEBException(NEBException const& other) noexcept;
-    NEBException& operator=(NEBException const& other) noexcept;
+    NEBException(NEBException const& other) noexcept = default;
+    NEBException& operator=(NEBException const& other) noexcept = default;
     ~NEBException() override;
 
-    NEBThrowable* clone() const override;
+    NEBThrowable* clone() const override { return new NEBException(*this); }
     [[noreturn]] void hurl(NEBFileLocation const& where, char const* text, char const* macro) override;
     // All messages, each on a line of its own.
-    char const* getMessage() override;
-    char const* getThrowableName() const override;
-    char const* toString() override;
+    char const* getMessage() override { return NEBThrowable::getMessage(); }
+    char const* getThrowableName() const override { return "NEBException"; }
+    char const* toString() override { return NEBThrowable::toString(); }
     char const* getMessage() const override;
     void toString(char const* first, char const* second, I18NString& result, int indent) override;
 

@@ -15,11 +15,6 @@
 
 namespace
 {
-bool isSeparator(char c)
-{
-    return c == '/' || c == '\\';
-}
-
 struct CloseDir
 {
     void operator()(DIR* directory) const { closedir(directory); }
@@ -30,21 +25,6 @@ bool hasType(std::string const& name, unsigned type)
 {
     struct stat status;
     return stat(name.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == (type & S_IFMT);
-}
-
-// Goes up only while the system reports a missing folder, so that its longest path bounds the depth.
-bool makeDir(std::string const& name)
-{
-    if (mkdir(name.c_str(), 0777) == 0)
-        return true;
-    if (errno == ENOENT)
-    {
-        std::string parent;
-        NEBFmDir::splitPath(name, &parent, nullptr);
-        if ((parent.empty() || makeDir(parent)) && mkdir(name.c_str(), 0777) == 0)
-            return true;
-    }
-    return hasType(name, S_IFDIR);
 }
 
 // Finds the type of an entry: 0 if it, or the target of a link, is gone or can't be reached.
@@ -103,19 +83,18 @@ int NEBFmDir::exists(char const* path, int mode)
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
 {
-    auto const tailBegin = std::find_if(path.rbegin(), path.rend(), isSeparator).base();
-    auto const tailStart = static_cast<std::size_t>(tailBegin - path.begin());
+    std::size_t const start = path.find_last_of("/\\") + 1;  // npos + 1 is 0
+    std::string tail = path.substr(start);
     // The separator belongs to neither part, except that of the root.
-    std::string tail = file ? path.substr(tailStart) : std::string();
     if (directory)
-        *directory = path.substr(0, tailStart > 1 ? tailStart - 1 : tailStart);
+        *directory = path.substr(0, start > 1 ? start - 1 : start);
     if (file)
         *file = std::move(tail);
 }
 
 void NEBFmDir::joinPath(std::string& base, std::string const& name)
 {
-    if (!base.empty() && !isSeparator(base.back()))
+    if (!base.empty() && base.back() != '/' && base.back() != '\\')
         base += '/';
     base += name;
 }
@@ -129,8 +108,10 @@ void NEBFmDir::joinPath(I18NString& base, I18NString const& name)
 
 int NEBFmDir::createRecursiveDir(std::string const& path)
 {
-    std::string const name = OsFileName::forWriting(path);
-    return name.empty() || hasType(name, S_IFDIR) || makeDir(name);
+    std::error_code error;
+    if (!path.empty())
+        std::filesystem::create_directories(OsFileName::forWriting(path), error);
+    return !error;
 }
 
 int NEBFmDir::readDir(char const* dirName, std::vector<std::string>* files, void*,

@@ -28,23 +28,6 @@ std::string fillPlaces(char const* pattern, char const* first, char const* secon
 }
 }  // namespace
 
-NEBMessage::NEBMessage(I18NString const& file) : m_file(file) {}
-
-NEBMessage::NEBMessage(I18NString const& file, std::uint32_t id) : m_file(file)
-{
-    setMessage(id);
-}
-
-NEBMessage* NEBMessage::clone() const
-{
-    return new NEBMessage(*this);
-}
-
-char const* NEBMessage::getClassName() const
-{
-    return "NEBMessage";
-}
-
 void NEBMessage::format(char const* first, char const* second, I18NString& result)
 {
     char const* pattern = NEBMessageCatalogue::find(m_file.c_str(), getMessageId());
@@ -58,14 +41,4 @@ void NEBMessage::toString(char const* first, char const* second, I18NString& res
     I18NString text;
     format(first, second, text);
     result = indented(text.c_str(), indent);
-}
-
-I18NString const& NEBMessage::getMsgFile() const
-{
-    return m_file;
-}
-
-void NEBMessage::setMsgFile(I18NString const& file)
-{
-    m_file = file;
 }

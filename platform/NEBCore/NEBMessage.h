@@ -18,16 +18,16 @@
 class NEBCORE_API NEBMessage : public NEBMessageComponents
 {
 public:
-    explicit NEBMessage(I18NString const& file);
-    NEBMessage(I18NString const& file, std::uint32_t id);
+    explicit NEBMessage(I18NString const& file) : m_file(file) {}
+    NEBMessage(I18NString const& file, std::uint32_t id) : m_file(file) { setMessage(id); }
 
-    NEBMessage* clone() const override;
-    char const* getClassName() const override;
+    NEBMessage* clone() const override { return new NEBMessage(*this); }
+    char const* getClassName() const override { return "NEBMessage"; }
     void format(char const* first, char const* second, I18NString& result) override;
     void toString(char const* first, char const* second, I18NString& result, int indent) override;
     // Slots 7 and 8.
-    virtual I18NString const& getMsgFile() const;
-    virtual void setMsgFile(I18NString const& file);
+    virtual I18NString const& getMsgFile() const { return m_file; }
+    virtual void setMsgFile(I18NString const& file) { m_file = file; }
 
 private:
     I18NString m_file;

@@ -25,8 +25,8 @@ public:
     virtual void format(char const* first, char const* second, I18NString& result) = 0;
     // Replaces result by the text, each line after indent blanks.
     virtual void toString(char const* first, char const* second, I18NString& result, int indent) = 0;
-    virtual NEBSeverity getSeverity() const;
-    virtual void setSeverity(NEBSeverity severity);
+    virtual NEBSeverity getSeverity() const { return m_severity; }
+    virtual void setSeverity(NEBSeverity severity) { m_severity = severity; }
 
 private:
     NEBSeverity m_severity = 1;

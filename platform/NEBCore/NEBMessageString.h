@@ -14,12 +14,12 @@
 class NEBCORE_API NEBMessageString : public NEBMessageBase
 {
 public:
-    explicit NEBMessageString(I18NString const& text);
+    explicit NEBMessageString(I18NString const& text) : m_text(text) {}
 
-    NEBMessageString* clone() const override;
-    char const* getClassName() const override;
+    NEBMessageString* clone() const override { return new NEBMessageString(*this); }
+    char const* getClassName() const override { return "NEBMessageString"; }
     // Appends the text as it is, without places for arguments.
-    void format(char const* first, char const* second, I18NString& result) override;
+    void format(char const*, char const*, I18NString& result) override { result.append(m_text); }
     void toString(char const* first, char const* second, I18NString& result, int indent) override;
 
 private:

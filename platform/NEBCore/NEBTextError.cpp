@@ -14,13 +14,4 @@ NEBTextError::NEBTextError(std::int32_t code, char const* text) noexcept : m_cod
     }
 }
 
-NEBTextError::NEBTextError(NEBTextError const&) noexcept = default;
-
-NEBTextError& NEBTextError::operator=(NEBTextError const&) noexcept = default;
-
 NEBTextError::~NEBTextError() = default;
-
-char const* NEBTextError::getMessage() const
-{
-    return m_text ? m_text->c_str() : "";
-}

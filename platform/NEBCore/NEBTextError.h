@@ -13,15 +13,15 @@ class NEBCORE_API NEBTextError : public NEBThrowable
 {
 public:
     // The text, or "" if there is none or was no memory for it.
-    char const* getMessage() const override;
+    char const* getMessage() const override { return m_text ? m_text->c_str() : ""; }
     using NEBThrowable::getMessage;
     std::int32_t getCode() const { return m_code; }
 
 protected:
     // text is copied and may be null. Lack of memory costs the text, never the error.
     NEBTextError(std::int32_t code, char const* text) noexcept;
-    NEBTextError(NEBTextError const&) noexcept;
-    NEBTextError& operator=(NEBTextError const&) noexcept;
+    NEBTextError(NEBTextError const&) noexcept = default;
+    NEBTextError& operator=(NEBTextError const&) noexcept = default;
     ~NEBTextError() override;
 
 private:

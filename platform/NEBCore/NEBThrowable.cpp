@@ -12,10 +12,6 @@ NEBBackTraceEntry::NEBBackTraceEntry(NEBFileLocation const& where, char const* t
 {
 }
 
-NEBThrowable::NEBThrowable() = default;
-
-NEBThrowable::NEBThrowable(NEBThrowable const& other) noexcept : m_backTrace(other.m_backTrace) {}
-
 NEBThrowable& NEBThrowable::operator=(NEBThrowable const& other) noexcept
 {
     m_backTrace = other.m_backTrace;
@@ -24,21 +20,11 @@ NEBThrowable& NEBThrowable::operator=(NEBThrowable const& other) noexcept
 
 NEBThrowable::~NEBThrowable() = default;
 
-char const* NEBThrowable::getMessage()
-{
-    return static_cast<NEBThrowable const*>(this)->getMessage();
-}
-
 char const* NEBThrowable::toString()
 {
     I18NString text;
     toString(nullptr, nullptr, text, 0);
     return keepText(text.c_str());
-}
-
-char const* NEBThrowable::getMessage() const
-{
-    return "";
 }
 
 void NEBThrowable::toString(char const*, char const*, I18NString& result, int indent)

@@ -49,8 +49,8 @@ private:
 class NEBCORE_API NEBThrowable
 {
 public:
-    NEBThrowable();
-    NEBThrowable(NEBThrowable const& other) noexcept;
+    NEBThrowable() = default;
+    NEBThrowable(NEBThrowable const& other) noexcept : m_backTrace(other.m_backTrace) {}
     NEBThrowable& operator=(NEBThrowable const& other) noexcept;
 
     // The virtual operations keep this order: it is the order of their slots.
@@ -61,11 +61,11 @@ public:
     // family overrides it, since a throw uses the static type.
     [[noreturn]] virtual void hurl(NEBFileLocation const& where, char const* text, char const* macro) = 0;
     // What went wrong, UTF-8, never null. Texts that an object returned are valid as long as the object.
-    virtual char const* getMessage();
+    virtual char const* getMessage() { return static_cast<NEBThrowable const*>(this)->getMessage(); }
     virtual char const* getThrowableName() const = 0;
     // The name, and the message if there is one.
     virtual char const* toString();
-    virtual char const* getMessage() const;
+    virtual char const* getMessage() const { return ""; }
     // The same in result, which is replaced. first and second (may be null) fill the places {0} and {1} of
     // catalogue messages; every line begins with indent blanks.
     virtual void toString(char const* first, char const* second, I18NString& result, int indent);

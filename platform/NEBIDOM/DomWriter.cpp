@@ -1,10 +1,3 @@
 #include "NEBIDOM/DomWriter.h"
 
-DomWriter::DomWriter() = default;
-
 DomWriter::~DomWriter() = default;
-
-char const* DomWriter::getOutputEncoding()
-{
-    return "UTF-8";
-}

@@ -15,7 +15,7 @@
 class __attribute__((visibility("default"))) DomWriter
 {
 public:
-    DomWriter();
+    DomWriter() = default;
 
     // The virtual operations keep this order: it is the order of their slots.
     virtual ~DomWriter();
@@ -23,7 +23,7 @@ public:
     virtual void write(char const* data, int size) = 0;
     virtual void endline() = 0;
     // The encoding of the text that write takes: "UTF-8" unless overridden.
-    virtual char const* getOutputEncoding();
+    virtual char const* getOutputEncoding() { return "UTF-8"; }
 };
 
 #endif

@@ -67,10 +67,9 @@ void OJDFileOutputStream::close()
 {
     if (!m_file.isOpen())
         return;
-    std::size_t const size = m_buffer.pcount();
-    int const flushError = m_file.write(m_buffer.str(), size) == size ? 0 : errno;
-    int const closeError = m_file.close() ? 0 : errno;
+    bool const isSent = m_file.write(m_buffer.str(), m_buffer.pcount()) == m_buffer.pcount();
+    int const reason = errno;
     m_buffer.reset();
-    if (int const error = flushError ? flushError : closeError)
-        refuse(NEB_HERE, m_name, std::strerror(error), "OJDFileOutputStream::close");
+    if (!m_file.close() || !isSent)
+        refuse(NEB_HERE, m_name, std::strerror(isSent ? errno : reason), "OJDFileOutputStream::close");
 }

@@ -21,20 +21,20 @@
 class __attribute__((visibility("default"))) OJDFilterOutputStream : public OJDOutputStream
 {
 public:
-    OJDFilterOutputStream();
+    OJDFilterOutputStream() = default;
     // The filter doesn't own target, which must live until the filter is destroyed or unwrapped.
-    explicit OJDFilterOutputStream(OJDOutputStream& target);
+    explicit OJDFilterOutputStream(OJDOutputStream& target) : m_target(&target) {}
     ~OJDFilterOutputStream() override;
 
     OJDFilterOutputStream(OJDFilterOutputStream const&) = delete;
     OJDFilterOutputStream& operator=(OJDFilterOutputStream const&) = delete;
 
     // Replaces the target, without any call on the former one.
-    virtual void wrap(OJDOutputStream& target);
-    virtual void unWrap();
+    virtual void wrap(OJDOutputStream& target) { m_target = &target; }
+    virtual void unWrap() { m_target = nullptr; }
 
 protected:
-    OJDOutputStream* m_target;  // null while nothing is wrapped
+    OJDOutputStream* m_target = nullptr;  // null while nothing is wrapped
 };
 
 #endif

@@ -44,36 +44,3 @@ std::size_t OJDInputStream::readFully(NEBByteBuffer& buf, std::size_t n)
 {
     return repeat(n, [&](std::size_t, std::size_t missing) { return read(buf, missing); });
 }
-
-// A stream that never waits can neither time out nor be cancelled.
-int OJDInputStream::canTimeout() const
-{
-    return 0;
-}
-
-int OJDInputStream::setTimeout(int)
-{
-    return 0;
-}
-
-int OJDInputStream::getTimeout() const
-{
-    return 0;
-}
-
-int OJDInputStream::canCancel() const
-{
-    return 0;
-}
-
-int OJDInputStream::setCancel(int)
-{
-    return 0;
-}
-
-int OJDInputStream::getCancel() const
-{
-    return 0;
-}
-
-void OJDInputStream::cancel() {}

@@ -44,13 +44,13 @@ public:
 
     // Bounds and interrupts waiting, in streams that wait. Times are in milliseconds. This base returns 0
     // everywhere: it can't, it refuses, nothing is set; cancel has no effect.
-    virtual int canTimeout() const;
-    virtual int setTimeout(int timeout);
-    virtual int getTimeout() const;
-    virtual int canCancel() const;
-    virtual int setCancel(int enabled);
-    virtual int getCancel() const;
-    virtual void cancel();
+    virtual int canTimeout() const { return 0; }
+    virtual int setTimeout(int) { return 0; }
+    virtual int getTimeout() const { return 0; }
+    virtual int canCancel() const { return 0; }
+    virtual int setCancel(int) { return 0; }
+    virtual int getCancel() const { return 0; }
+    virtual void cancel() {}
 };
 
 #endif

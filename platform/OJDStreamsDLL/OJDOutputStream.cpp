@@ -1,7 +1,3 @@
 #include "OJDStreamsDLL/OJDOutputStream.h"
 
 OJDOutputStream::~OJDOutputStream() = default;
-
-void OJDOutputStream::flush() {}
-
-void OJDOutputStream::close() {}

@@ -20,8 +20,8 @@ public:
     // Takes all size bytes, or raises.
     virtual void write(char const* data, std::size_t size) = 0;
     // Passes on what is buffered; does nothing unless overridden, like close.
-    virtual void flush();
-    virtual void close();
+    virtual void flush() {}
+    virtual void close() {}
 };
 
 #endif

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +10,6 @@
 #include "NEBCore/NEBDowncastSize.h"
 #include "NEBCore/NEBMessageString.h"
 #include "NEBCore/NEBOutOfMemoryError.h"
-#include "NEBCore/NEBStdExceptionError.h"
 #include "support/Raised.h"
 
 namespace
@@ -42,7 +40,6 @@ TEST(NEBThrowable, HurlsACopyOfItsOwnClass)
     expectHurledCopy(NEBException(5), "NEBException: no messages");
     expectHurledCopy(NEBAssertError(0, "NEB_ASSERT(x);"), "NEBAssertError: NEB_ASSERT(x);");
     expectHurledCopy(NEBOutOfMemoryError(0, nullptr), "NEBOutOfMemoryError: ");
-    expectHurledCopy(NEBStdExceptionError(std::runtime_error("what")), "NEBStdExceptionError: what");
 }
 
 TEST(NEBException, ToStringIndentsEveryLine)
@@ -63,18 +60,14 @@ TEST(NEBException, ReturnedTextsLiveAsLongAsTheObject)
     error << NEBMessageString(I18NString("b"));
     EXPECT_STREQ("a text too long to be kept in place\nb", error.getMessage());
     EXPECT_STREQ("a text too long to be kept in place", first);
-    EXPECT_EQ(error.getMessage(), error.getMessage());
 }
 
 TEST(NEBDowncastSize, RaisesTheValueAtTheCallersPlace)
 {
-    std::size_t const one = 1;
     EXPECT_EQ(UINT32_MAX, NEBDowncastSize::uint32(UINT32_MAX, "f", 1));
     EXPECT_EQ(INT32_MAX, NEBDowncastSize::int32(INT32_MAX, "f", 1));
-    auto const narrow = [&] { NEBDowncastSize::uint32(UINT32_MAX + one, "f", 1); };
-    EXPECT_EQ(sizeof one > 4, !raisedBy(narrow).empty());
     EXPECT_EQ((Lines{"NEBException: Size does not fit into 32 bits: 2147483648",
                      "caller.cpp NEB_THROW NEBDowncastSize"}),
-              raisedBy([&] { NEBDowncastSize::int32(INT32_MAX + one, "caller.cpp", 42); }));
+              raisedBy([] { NEBDowncastSize::int32(INT32_MAX + std::size_t{1}, "caller.cpp", 42); }));
 }
 }  // namespace
