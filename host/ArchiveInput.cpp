@@ -57,8 +57,8 @@ Directory findDirectory(std::FILE* file, std::string const& name)
 {
     fseeko(file, 0, SEEK_END);
     auto const size = static_cast<std::uint64_t>(ftello(file));
-    std::size_t const tailSize =
-        std::min<std::uint64_t>(size, s_locatorSize + s_endRecordSize + s_longestComment);
+    auto const tailSize = static_cast<std::size_t>(
+        std::min<std::uint64_t>(size, s_locatorSize + s_endRecordSize + s_longestComment));
     std::string const tail = readAt(file, size - tailSize, tailSize);
     std::size_t const end = tail.rfind("PK\5\6");
     if (std::ferror(file))
@@ -86,7 +86,7 @@ std::uint64_t countHeaders(std::string const& directory)
         std::size_t const header = position;
         position += s_headerSize;
         for (std::size_t const length : {28u, 30u, 32u})  // of its name, extra field and comment
-            position += numberAt(directory, header + length, 2);
+            position += static_cast<std::size_t>(numberAt(directory, header + length, 2));
         ++count;
     }
     return position == directory.size() ? count : count + 1;
@@ -97,9 +97,10 @@ std::uint64_t countHeaders(std::string const& directory)
 std::uint64_t countEntries(std::FILE* file, std::string const& name)
 {
     Directory const directory = findDirectory(file, name);
-    if (directory.m_size > directory.m_end)
+    if (directory.m_size > directory.m_end || directory.m_size >= std::string().max_size())
         failed(NEB_HERE, name, "is damaged: its directory has a wrong size");
-    std::string const headers = readAt(file, directory.m_end - directory.m_size, directory.m_size);
+    std::string const headers =
+        readAt(file, directory.m_end - directory.m_size, static_cast<std::size_t>(directory.m_size));
     if (std::ferror(file))
         systemFailed(NEB_HERE, name);
     return std::max(directory.m_count, countHeaders(headers));
