@@ -1,48 +1,114 @@
 // The test vectors of docs/formats.md.
 
+#include <iomanip>
+#include <sstream>
+
+#include <openssl/rand.h>
+#include <openssl/sha.h>
+
 #include "KRY_Crypto_Interface/KRYSegmentCipher.h"
 #include "platform/KRYStarted.h"
+#include "support/Rows.h"
+#include "support/TemporaryFolder.h"
 
 namespace
 {
-std::string bytesOf(std::string const& hex)
+bool s_isSaltKnown = false;
+
+std::string bytesFrom(int first, std::size_t count, int modulus = 256)
 {
-    std::string bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2)
-        bytes.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    std::string bytes(count, '\0');
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[i] =
+            static_cast<char>((static_cast<std::size_t>(first) + i) % static_cast<std::size_t>(modulus));
     return bytes;
+}
+
+template <class Bytes>
+std::string hex(Bytes const& bytes)
+{
+    std::ostringstream text;
+    for (auto const byte : bytes)
+        text << std::hex << std::setw(2) << std::setfill('0') << int{static_cast<unsigned char>(byte)};
+    return text.str();
 }
 
 struct KRYFormat : KRYStarted
 {
-    KRYFormat() { startWithKey(bytesOf("000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f")); }
+    KRYFormat()
+    {
+        startWithKey(bytesFrom(0, 32));
+        s_isSaltKnown = true;
+    }
+    ~KRYFormat() override { s_isSaltKnown = false; }
+};
+
+struct SignatureCase
+{
+    char const* m_name;
+    char const* m_data;
+    char const* m_signature;
+};
+struct KRYSignature : KRYFormat, testing::WithParamInterface<SignatureCase>
+{
+};
+SignatureCase const s_signatures[] = {
+    {"Name", "report.pdf", "4025e1c1f89a1526cb758f72e8a9932e4614de70ceb606d1bbdf75ce5f7b00b3"},
+    {"NameThenSession", "report.pdf/0123456789abcdef",
+     "3ef8347296f0bb5edcc12d800c4502d11637b9fb4e3c9b877eb87e224657b326"},
+};
+
+struct FileCase
+{
+    char const* m_name;
+    std::size_t m_size;
+    char const* m_sha256;
+};
+struct KRYSealedFile : KRYFormat, testing::WithParamInterface<FileCase>
+{
+};
+FileCase const s_files[] = {
+    {"Empty", 0, "bc2b4e00fe65e3de0eb107b1a285ea081640214418d9d2b6dacc4db876059bb2"},
+    {"FiveBytes", 5, "16e1d2f446ed1a51f4944b088a38751ff9ff21f94e042f6047a0778de405e143"},
+    {"OneFullSegment", 65536, "c178b6fc5ab328120b8154d34109f5bd160f92bb89e3c43b89be60243c19bb77"},
+    {"OneByteMore", 65537, "6f4239f5999d45fa7afe80eca5353c676b9e68b48a27e0b798768eef72aeff79"},
 };
 }  // namespace
 
-TEST_F(KRYFormat, OfSignaturesIsTheSameOnEveryMachine)
+// The program's own function takes the place of OpenSSL's.
+__attribute__((visibility("default"))) int RAND_bytes(unsigned char* target, int size)
 {
-    KRYTestSession session("TALM");
-    ASSERT_EQ(KRY_SUCCESS, session.sign());
-    std::string signature;
-    EXPECT_EQ(KRY_SUCCESS, session.protect("report.pdf", &signature));
-    EXPECT_EQ(bytesOf("4025e1c1f89a1526cb758f72e8a9932e4614de70ceb606d1bbdf75ce5f7b00b3"), signature);
+    if (!s_isSaltKnown)
+        return RAND_bytes_ex(nullptr, target, static_cast<std::size_t>(size), 0);
+    std::string const salt = bytesFrom(0xA0, static_cast<std::size_t>(size));
+    std::copy(salt.begin(), salt.end(), target);
+    return 1;
 }
 
-TEST_F(KRYFormat, OfFilesIsTheSameOnEveryMachine)
+TEST_P(KRYSignature, IsTheSameOnEveryMachine)
 {
-    std::string const header = "4b5259454e4302010001000009f3f508a687d198",
-                      salt = "a0a1a2a3a4a5a6a7a8a9aaabacadaeafb0b1b2b3b4b5b6b7b8b9babbbcbdbebf",
-                      segment = "52e58354eef27f32809b76699c80a115c10851c22c";
-    writeFile(m_folder / "file", bytesOf(header + salt + segment));
-    KRYTestSession session;
-    ASSERT_EQ(KRY_SUCCESS, session.decipher(m_folder / "file"));
-    std::string plain;
-    EXPECT_EQ(KRY_SUCCESS, session.readAll(plain));
-    EXPECT_EQ(bytesOf("0001020304"), plain);
+    KRYTestSession session("TALM");
+    std::string signature;
+    ASSERT_EQ(KRY_SUCCESS, session.sign());
+    EXPECT_EQ(KRY_SUCCESS, session.protect(GetParam().m_data, &signature));
+    EXPECT_EQ(GetParam().m_signature, hex(signature));
 }
+INSTANTIATE_TEST_SUITE_P(Vectors, KRYSignature, testing::ValuesIn(s_signatures), RowName());
+
+TEST_P(KRYSealedFile, IsTheSameOnEveryMachine)
+{
+    KRYTestSession session;
+    ASSERT_EQ(KRY_SUCCESS, session.cipher(m_folder / "file"));
+    EXPECT_EQ(KRY_SUCCESS, session.protect(bytesFrom(0, GetParam().m_size, 251)));
+    EXPECT_EQ(KRY_SUCCESS, session.finish());
+    std::string const sealed = readAll(m_folder / "file");
+    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest;
+    SHA256(reinterpret_cast<unsigned char const*>(sealed.data()), sealed.size(), digest.data());
+    EXPECT_EQ(GetParam().m_sha256, hex(digest));
+}
+INSTANTIATE_TEST_SUITE_P(Vectors, KRYSealedFile, testing::ValuesIn(s_files), RowName());
 
 TEST(KRYNonce, HoldsTheWholeNumber)
 {
-    auto const nonce = KRYSegmentCipher::makeNonce(0x0102030405060708, true);
-    EXPECT_EQ(bytesOf("000000010203040506070801"), std::string(nonce.begin(), nonce.end()));
+    EXPECT_EQ("000000010203040506070801", hex(KRYSegmentCipher::makeNonce(0x0102030405060708, true)));
 }

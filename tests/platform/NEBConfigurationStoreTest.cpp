@@ -33,7 +33,8 @@ TEST(NEBConfigurationStoreLoad, TrimsKeepsEarlierSettingsAndTakesNothingOfARefus
     EXPECT_EQ("NEBException: " + path + ":3: no \"key=value\"", refusal(path, "kept=2\n\nnonsense\n"));
     EXPECT_EQ("NEBException: " + path + ":2: no \"key=value\"", refusal(path, "kept=2\n = 2\n"));
     EXPECT_EQ("NEBException: " + path + ":3: \"kept\" is set twice", refusal(path, "kept=2\n#\nkept = 3\n"));
-    EXPECT_EQ("NEBException: " + folder / "missing" + ": No such file or directory", refusal(folder / "missing"));
+    EXPECT_EQ("NEBException: " + folder / "missing" + ": No such file or directory",
+              refusal(folder / "missing"));
     EXPECT_EQ("NEBException: " + folder.path() + ": Is a directory", refusal(folder.path()));
     EXPECT_EQ("1|a = b||\xE2\x82\xAC", valueOf("kept") + '|' + valueOf("changed") + '|' + valueOf("empty") +
                                            '|' + valueOf("\xC3\xA4"));
