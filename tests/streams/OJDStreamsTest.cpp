@@ -13,7 +13,7 @@ TEST(OJDFileOutputStream, ReplacesTheFileByWhatIsWrittenInAnyPieces)
     std::generate(all.begin(), all.end(), std::mt19937(1));
     OJDFileOutputStream stream(name.c_str(), 0);
     std::size_t at = 0;
-    for (std::size_t const size : {0, 1, 16383, 1, 16384, 157231, 10000})
+    for (std::size_t const size : {0u, 1u, 16383u, 1u, 16384u, 157231u, 10000u})
         stream.write(all.data() + std::exchange(at, at + size), size);
 
     rlimit before;

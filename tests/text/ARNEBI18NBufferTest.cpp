@@ -67,7 +67,7 @@ I18NString toString(Text const& text)
 void expectHolds(Text const& text, ARNEBI18NBuffer const& buffer)
 {
     ASSERT_EQ(text.size() * 2 + 2, buffer.getSize());
-    ASSERT_EQ(0, std::memcmp(text.c_str(), buffer.getBuffer(), buffer.getSize()));
+    ASSERT_EQ(0, std::memcmp(text.c_str(), buffer.getBuffer(), text.size() * 2 + 2));
     ARNEBI18NBuffer const fresh(toString(text));
     ASSERT_TRUE(buffer == fresh.getCrc()) << "a checksum of the text before is kept";
     ASSERT_EQ(fresh.getCssCrc(), buffer.getCssCrc());
