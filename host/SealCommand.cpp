@@ -1,4 +1,3 @@
-
 #include "Commands.h"
 #include "Failure.h"
 #include "RunningLibrary.h"

@@ -16,7 +16,7 @@ namespace
 {
 namespace fs = std::filesystem;
 char constexpr s_gatewaySetting[] = "gatewayUrl";
-char constexpr s_session[] = "tour-session";
+char constexpr s_session[] = "/tour-session";
 
 // Prints a line a step, with the time since the step before it.
 class Steps

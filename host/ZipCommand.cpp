@@ -13,6 +13,7 @@
 #include "Commands.h"
 #include "Failure.h"
 #include "InputFile.h"
+#include "Interrupt.h"
 #include "NEBCore/NEBUtCrc32.h"
 #include "OutputFile.h"
 #include "Progress.h"
@@ -79,6 +80,7 @@ void collect(SourceFiles& files, fs::path const& directory, std::string const& b
     std::vector<fs::path> directories;
     for (fs::directory_entry const& entry : entries)
     {
+        stopIfInterrupted();
         if (!entry.is_symlink(error) && entry.is_directory(error))
             directories.push_back(entry.path());
         else if (!entry.is_regular_file(error))

@@ -176,10 +176,11 @@ bool ARXUnzipFile::unzipFile(char const* szFolder, bool ignorePath)
     if (!getFileInfo(info))
         return false;
 
-    std::string name = info.szFileName;
+    std::string const path = info.szFileName;
+    std::string name = path;
     // A folder keeps its path: its last element alone would mean nothing.
     if (ignorePath && !info.isFolder)
-        NEBFmDir::splitPath(name, nullptr, &name);
+        NEBFmDir::splitPath(path, nullptr, &name);
     if (leadsOutside(name))
         return false;
 

@@ -91,9 +91,9 @@ extern "C"
     // Returns a text in *second. first is its name, a terminated string; second is a char**, freed by
     // KRY_CryptoFree and null after a failure; third is reserved. The names:
     // - "serviceID": the ID that the session was opened with.
-    // - "size": the number of plain bytes in the file that the session reads, in decimal. The file's last
-    // segment is
-    //   authenticated first, so a file that was cut is refused. What is read next stays the same.
+    // - "size": the number of plain bytes in the file that the session reads, in decimal. Its last
+    //   segment is authenticated first, so a file that was cut is refused. What is read next stays the
+    //   same.
     KRY_API std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third);
 
     // Signing returns 32 bytes in *outData, freed by KRY_CryptoFree. Writing a file returns nothing, and

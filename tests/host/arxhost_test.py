@@ -137,6 +137,9 @@ ROWS = [
         '(arxhost: zip: .*/dir/[ab]: Input/output error\n){2}.*not written: 2 files.*\n'),
     Row('NamesFilesThatGrow', 'ln -s /proc/self/status dir/a; echo old > old.zip; $A zip old.zip dir' + OLD_STAYS, 2,
         'old\n', 'arxhost: zip: .*/dir/a: grew .*\n.*\n'),
+    # That file says that it has 4096 bytes.
+    Row('NamesFilesThatShrink', 'ln -s /sys/devices/system/cpu/online dir/a; echo old > old.zip; $A zip old.zip dir'
+        + OLD_STAYS, 2, 'old\n', 'arxhost: zip: .*/dir/a: shrank .*\n.*\n'),
     Row('TellsAFullDiskWhileZipping', "head -c 99999 /dev/urandom > dir/r; echo old > old.zip; trap '' XFSZ; "
         'for n in $(seq 96 100); do (ulimit -f $n; $A zip old.zip dir); done; cat old.zip; ls -A', 0,
         'old\nbig\nconf\ndir\nold.zip\n', '(arxhost: zip: .*old.zip.*: .*\n){5}'),

@@ -83,6 +83,18 @@ TEST(OsCounter, PinsMayNest)
     EXPECT_EQ((Words{5, 7}), s_kernel.m_set);
 }
 
+TEST(OsCounter, ARefusedRestoreCostsThatReadingAlone)
+{
+    s_kernel = {{2}};
+    DWORD_PTR const held = pin(1);
+    s_kernel.m_refusesToSet = true;
+    EXPECT_EQ(0u, pin(held));
+    s_kernel = {{0xC}};  // the host repairs its thread
+    EXPECT_EQ(0xCu, pin(2));
+    EXPECT_EQ(2u, pin(0xC));
+    EXPECT_EQ(Words{0xC}, s_kernel.m_set);
+}
+
 TEST(OsCounter, RefusedPinLeavesTheThread)
 {
     for (bool Kernel::*const refusal : {&Kernel::m_refusesToGet, &Kernel::m_refusesToSet})
