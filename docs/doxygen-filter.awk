@@ -1,4 +1,4 @@
-# Shows our plain comments to doxygen: what stands before or behind a declaration documents it, and what opens a header
+# Shows our plain comments to doxygen: what stands before or after a declaration documents it, and what opens a header
 # documents the class that the header is named after.
 
 # Doxygen takes what stands between two quotes of one line as it is.

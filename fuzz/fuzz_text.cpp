@@ -17,7 +17,7 @@ unsigned short const* toUnits(std::u16string const& text)
     return reinterpret_cast<unsigned short const*>(text.c_str());
 }
 
-// An empty text is no content, but for an I18NString: its terminator is content.
+// An empty text is no content, except for an I18NString, whose terminator is content.
 Model modelOf(std::u16string const& text)
 {
     return text.empty() ? Model() : text;

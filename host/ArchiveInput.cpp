@@ -55,7 +55,8 @@ struct Directory
 
 Directory findDirectory(std::FILE* file, std::string const& name)
 {
-    fseeko(file, 0, SEEK_END);
+    if (fseeko(file, 0, SEEK_END) != 0 || ftello(file) < 0)
+        systemFailed(NEB_HERE, name);
     auto const size = static_cast<std::uint64_t>(ftello(file));
     auto const tailSize = static_cast<std::size_t>(
         std::min<std::uint64_t>(size, s_locatorSize + s_endRecordSize + s_longestComment));

@@ -57,7 +57,8 @@ void setDate(std::string const& path, std::uint32_t dosDate)
     fields.tm_isdst = -1;  // found from the date
     std::tm normal = fields;
     timespec const times[] = {{0, UTIME_OMIT}, {std::mktime(&normal), 0}};
-    bool const isDate = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday;
+    bool const isDate = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday &&
+                        fields.tm_min < 60 && fields.tm_sec < 60;
     if (isDate && utimensat(AT_FDCWD, path.c_str(), times, 0) != 0)
         systemFailed(NEB_HERE, path);
 }
@@ -112,7 +113,7 @@ int unzip(UnzipOptions const& options)
         count = archive.visitEntries([&](ArchiveInput::Entry const& entry)
                                      { extract(archive, entry, folder, options.m_ignorePath, progress); });
     }
-    catch (NEBThrowable const&)
+    catch (...)
     {
         syncFileSystem(folder);  // what was right stays
         throw;

@@ -18,8 +18,8 @@ int constexpr s_exitFailure = 2;
 char const* const s_exitCodes =
     "0: done, or the answer is yes. 1: the answer is no. 2: failure, told on standard error in a line each, "
     "\"arxhost: COMMAND: OBJECT: REASON\". A signal ends the work, removes what is not complete, and shows "
-    "as 128 "
-    "and the signal's number.";
+    "as 128 and the "
+    "signal's number.";
 
 struct GlobalOptions
 {

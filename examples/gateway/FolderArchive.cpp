@@ -1,13 +1,17 @@
 #include "FolderArchive.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <system_error>
 
 #include <fcntl.h>
+#include <unistd.h>
 #include <zlib.h>
 
-#include "os/OsPlacedFile.h"
 #include "zip/ARXZipFile.h"
+#include "zip/ARXZipInputStream.h"
 
 namespace
 {
@@ -16,6 +20,8 @@ zip_fileinfo describe(StoredFile const& file)
     std::time_t const modified = file.getModified();
     std::tm time{};
     ::localtime_r(&modified, &time);
+    if (time.tm_year < 80)
+        time = {0, 0, 0, 1, 0, 80, 0, 0, -1, 0, nullptr};  // where the format's dates begin
     zip_fileinfo info{};
     info.tmz_date = {static_cast<uInt>(time.tm_sec),  static_cast<uInt>(time.tm_min),
                      static_cast<uInt>(time.tm_hour), static_cast<uInt>(time.tm_mday),
@@ -45,6 +51,8 @@ void addFolder(ARXZipFile& archive, OsFile const& folder, std::string const& pre
     for (auto const& entry : std::filesystem::directory_iterator(getPath(folder)))
     {
         std::string const name = entry.path().filename().string();
+        if (!isServableName(name))
+            continue;
         OsFile const below = openBelow(folder, name, O_DIRECTORY);
         if (below.isOpen())
             addFolder(archive, below, prefix + name + "/");
@@ -55,15 +63,18 @@ void addFolder(ARXZipFile& archive, OsFile const& folder, std::string const& pre
 }  // namespace
 
 // An archive's directory of entries comes last and its writer goes back to complete the entries' headers, so
-// it can't be sent while it is made. The file has no name any more when this returns.
+// it can't be sent while it is made. The temporary file has no name, so that nothing is left of it.
 std::shared_ptr<StoredFile> makeArchive(OsFile const& folder)
 {
-    OsPlacedFile temporary;
-    if (!temporary.create((std::filesystem::temp_directory_path() / "arxgate.zip").string(), 0600))
-        throw std::runtime_error(temporary.getFailure());
+    std::string name = (std::filesystem::temp_directory_path() / "arxgate-XXXXXX").string();
+    OsFile temporary(::mkostemp(name.data(), O_CLOEXEC));
+    if (!temporary.isOpen() || ::unlink(name.c_str()) != 0)
+        throw std::system_error(errno, std::generic_category(), name);
+    std::string const path = getPath(temporary);
     ARXZipFile archive;
-    archive.create(temporary.getPath().c_str());
+    archive.create(path.c_str());
     addFolder(archive, folder, "");
     archive.close();
-    return StoredFile::open(OsFile(::open(temporary.getPath().c_str(), O_RDONLY | O_CLOEXEC)));
+    ARXZipInputStream(path.c_str());  // raises where a full disk cut off the directory of entries
+    return StoredFile::open(OsFile(temporary.release()));
 }

@@ -76,7 +76,8 @@ std::string Sessions::begin()
     if (::getentropy(random.data(), random.size()) != 0)
         throw std::system_error(errno, std::generic_category(), "no random bytes");
     std::array<char, 9> end{};
-    std::snprintf(end.data(), end.size(), "%08lx", std::time(nullptr) + s_seconds);
+    std::snprintf(end.data(), end.size(), "%08llx",
+                  static_cast<unsigned long long>(std::time(nullptr) + s_seconds));
     std::string const identifier = toHex(random.data(), random.size()) + end.data();
     return s_cookieName + "=" + identifier + sign(identifier) + "; Max-Age=" + std::to_string(s_seconds) +
            "; Path=/; HttpOnly; Secure; SameSite=Strict";
@@ -90,6 +91,6 @@ std::string Sessions::find(std::string const& cookies)
     std::string const identifier = value.substr(0, s_identifierSize);
     if (!isEqual(value.substr(s_identifierSize), sign(identifier)))
         return "";
-    std::time_t const end = std::stol(identifier.substr(2 * s_randomBytes), nullptr, 16);
+    long long const end = std::stoll(identifier.substr(2 * s_randomBytes), nullptr, 16);
     return std::time(nullptr) < end ? identifier : "";
 }

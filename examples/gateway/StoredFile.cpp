@@ -80,7 +80,7 @@ OsFile openBelow(OsFile const& folder, std::string const& name, int flags)
 {
     int const file = ::openat(folder.getDescriptor(), name.c_str(),
                               flags | O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0 && errno != ENOENT && errno != ELOOP && errno != ENOTDIR)
+    if (file < 0 && errno != ENOENT && errno != ELOOP && errno != ENOTDIR && errno != ENXIO)
         throw std::system_error(errno, std::generic_category(), name);
     return OsFile(file);
 }

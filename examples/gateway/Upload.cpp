@@ -20,13 +20,14 @@ class Upload
 public:
     explicit Upload(OsFile const& root) : m_root(root) {}
 
-    // A part of the form begins. False ends the upload: a name that is refused, or a second file.
+    // A part of the form begins. False ends the upload: a name that is refused, a second file,
+    // or one that comes before the field that says how to store it.
     bool begin(httplib::MultipartFormData const& part)
     {
         m_isInFile = part.name == "file";
         if (!m_isInFile)
             return true;
-        if (!m_name.empty() || !isServableName(part.filename))
+        if (!m_name.empty() || !isServableName(part.filename) || (m_store != "sealed" && m_store != "plain"))
             return false;
         m_timer.start();
         m_name = part.filename;

@@ -27,7 +27,10 @@ KRYFileReader::KRYFileReader(std::string_view path, std::uint64_t offset, KRYMas
       m_number(s_none)
 {
     if (offset > m_lastNumber * s_segmentSize && offset > getSize())
+    {
+        OPENSSL_cleanse(m_segment.get(), s_sealedSize);  // no destructor runs
         throw KRYError(KRY_ERROR_ARGUMENT, "reading can't begin after the end of the file");
+    }
 }
 
 KRYFileReader::~KRYFileReader()

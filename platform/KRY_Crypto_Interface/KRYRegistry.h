@@ -55,7 +55,7 @@ private:
 
     std::mutex m_lock;  // never taken together with an entry's
     Entries m_entries;
-    std::uintptr_t m_lastToken = 1;  // tokens are odd, as no address of a session variable is
+    std::uintptr_t m_lastToken = 1;  // tokens are odd; the address of a session variable never is
 };
 
 #endif

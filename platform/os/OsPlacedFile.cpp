@@ -58,8 +58,10 @@ bool OsPlacedFile::create(std::string const& target, unsigned mode)
         errno = EEXIST;
         return fail("is not a regular file");
     }
-    bool const isExact = isThere || (mode & 0077) == 0;
-    if (!createTemporary(isThere ? status.st_mode & 0777 : mode, isExact))
+    // Another user may have made the target, so as to read what is written there.
+    bool const isOurs = isThere && status.st_uid == ::geteuid();
+    unsigned const former = isThere ? status.st_mode & 0777 : mode;
+    if (!createTemporary(isOurs ? former : former & mode, isOurs || (mode & 0077) == 0))
         return fail("can't be created");
     m_path = directory + m_temporaryName;
     return true;

@@ -29,8 +29,8 @@ public:
 
     // Once for each object. Both separators count in target, and its directory must be readable. Refuses a
     // target that exists and is not a regular file; a symbolic link is none. The new file takes the
-    // permissions of the file that it replaces, otherwise mode: as it is if it names the owner alone, less
-    // the umask if not.
+    // permissions of the file that it replaces, but only those in mode if that belongs to another user.
+    // Without one it takes mode: as it is if it names the owner alone, less the umask if not.
     bool create(std::string const& target, unsigned mode);
 
     // The temporary file, for those that write by name. They may truncate it or put another in its place.

@@ -111,7 +111,7 @@ ROWS = [
         'old\narxium\nbig\nconf\ndir\no\n', 'arxhost: seal: /proc/self/mem: Input/output error\n'),
     Row('KeepsTheOldFileWhenUnsealingFails', 'echo old > p; truncate -s 70000 sealed; $A unseal sealed p; cat p; ls -A', 0,
         'old\narxium\nbig\nconf\ndir\np\nsealed\n', 'arxhost: unseal: sealed: is damaged, .*\n', set_up=sealed_file),
-    Row('TellsAFullDiskBehindStandardOutput', '$A unseal sealed - > /dev/full; $A list z.zip > /dev/full; '
+    Row('TellsAFullDiskUnderStandardOutput', '$A unseal sealed - > /dev/full; $A list z.zip > /dev/full; '
         '$A qp < big > /dev/full', 2, errors='(arxhost: \\w+: standard output: No space left on device\n){3}',
         set_up=lambda: (sealed_file(), archive(z={'a': b'1'})())),
 
