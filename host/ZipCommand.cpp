@@ -207,6 +207,7 @@ std::string resolved(fs::path const& path)
 
 int zip(ZipOptions const& options)
 {
+    tzset();  // localtime_r alone need not read the time zone
     if (options.m_archive == "-")
         failed(NEB_HERE, "an archive can't go to standard output: sizes are filled in later");
     // Its folder without links, so that an archive in the tree is left out of itself; a link as archive is

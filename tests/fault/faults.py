@@ -27,7 +27,8 @@ SHIM_KINDS = {"allocation": "allocations", "memory": "allocations", "transfer": 
 
 # What other libraries do wrong, and what the back trace or the log then shows.
 KNOWN = [
-    ("crash", "zipOpenNewFileInZip4_64"),  # minizip doesn't look at its third allocation for a new entry
+    ("crash", "zipOpenNewFileInZip4_64"),  # minizip doesn't look at its third allocation for a new entry,
+    ("crash", "zipCloseFileInZipRaw64"),  # also where memory lacks since the end of the entry before,
     ("allocated", "deflateInit2_"),  # it loses the header of an entry that can't be deflated,
     ("allocated", "inflateInit2_"),  # the buffer of one that can't be inflated,
     ("allocated", "libminizip"),  # and an open file with the last allocation of unzOpen
