@@ -18,7 +18,8 @@ using Random = std::mt19937_64;
 
 std::size_t below(Random& random, std::size_t limit)
 {
-    return random() % limit;  // the distributions of the standard library differ from one to the next
+    // The distributions of the standard library differ from one to the next.
+    return static_cast<std::size_t>(random() % limit);
 }
 
 std::string makeWord(unsigned number)
@@ -130,7 +131,7 @@ std::string const& scratchFolder()
 
 std::string readFile(std::string const& path)
 {
-    std::string bytes(std::filesystem::file_size(path), '\0');
+    std::string bytes(static_cast<std::size_t>(std::filesystem::file_size(path)), '\0');
     std::ifstream file(path, std::ios::binary);
     if (!file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
         throw std::runtime_error(path + " can't be read");

@@ -69,7 +69,7 @@ void run(std::vector<std::string> const& words)
         for (auto const& [name, work] : growthWorks())
             std::printf("%s %s\n", work.m_isByBytes ? "bytes" : "entries", name.c_str());
     else if (words.size() == 3 && words[0] == "growth")
-        showGrowth(words[1], std::stoull(words[2]));
+        showGrowth(words[1], std::stoul(words[2]));
     else if (words.size() == 3 && (words[0] == "zip" || words[0] == "unzip"))
     {
         double const start = processorSeconds();

@@ -36,7 +36,7 @@ struct Pair
 
     void check() const
     {
-        std::uint64_t const size = m_model ? 2 * m_model->size() + 2 : 0;
+        std::size_t const size = m_model ? 2 * m_model->size() + 2 : 0;
         mustHold(m_buffer.getSize() == size && m_buffer.empty() == !m_model, "sizes agree");
         auto const* const bytes = static_cast<char const*>(m_buffer.getBuffer());
         std::u16string const text = m_model.value_or(u"");

@@ -181,7 +181,7 @@ TEST_F(KRYEncryptedFile, IsDiscardedOnceTheCallInItsSessionEnds)
     for (bool const isStop : {false, true})
     {
         KRYTestSession session;
-        EXPECT_EQ(KRY_SUCCESS, session.cipher(m_path));
+        ASSERT_EQ(KRY_SUCCESS, session.cipher(m_path));
         std::atomic<int> writes{0};
         auto const write = [&]
         {

@@ -56,6 +56,10 @@ extern "C"
         s_calls.m_createdMode = mode;
         return pass("openat", SYS_openat, directory, path, flags, mode);
     }
+    ssize_t getrandom(void* target, std::size_t size, unsigned flags)
+    {
+        return pass("getrandom", SYS_getrandom, target, size, flags);
+    }
     int fsync(int file)
     {
         return pass("fsync", SYS_fsync, file);
@@ -157,14 +161,22 @@ TEST_F(OsPlacedFileTest, BringsTheFileToTheDiskBeforeItsName)
     OsPlacedFile replaced, offered;
     ASSERT_TRUE(place(replaced, m_target, &OsPlacedFile::replace));
     EXPECT_THAT(s_calls.m_made,
-                testing::ElementsAre("openat", "openat", "fsync", "close", "renameat", "fsync"));
+                testing::ElementsAre("openat", "getrandom", "openat", "fsync", "close", "renameat", "fsync"));
     writeOld(0644);
     s_calls = {};
     ASSERT_TRUE(place(offered, m_target, &OsPlacedFile::offer));
-    EXPECT_THAT(s_calls.m_made,
-                testing::ElementsAre("openat", "openat", "fsync", "close", "linkat", "unlinkat", "fsync"));
+    EXPECT_THAT(s_calls.m_made, testing::ElementsAre("openat", "getrandom", "openat", "fsync", "close",
+                                                     "linkat", "unlinkat", "fsync"));
     EXPECT_EQ("old", readAll(m_target));
     EXPECT_TRUE(isAlone());
+}
+
+TEST_F(OsPlacedFileTest, ReadsADeviceWhereGetrandomIsForbidden)
+{
+    s_calls = {{}, "getrandom", 1, ENOSYS};
+    OsPlacedFile file;
+    EXPECT_TRUE(place(file, m_target, &OsPlacedFile::replace)) << file.getFailure();
+    EXPECT_EQ("new text", readAll(m_target));
 }
 
 struct PermissionRow
