@@ -54,7 +54,8 @@ public:
     // (ARXFmDir::getPathTail), with "/" as separator; without a baseDir (null or empty) its last element.
     //
     // Its date is its modification time as local time, with an even number of seconds. Only 1980 to 2107 can
-    // be expressed: 1970 becomes 2050, and 2108 and later 0xFFFFFFFF, which is no date.
+    // be expressed: 1970 becomes 2050, and 2108 and later 0xFFFFFFFF, which is no date, or where a long has
+    // 32 bits 128 years less.
     //
     // A path that contains the path given to create is skipped silently, which keeps an archive out of
     // itself. A file that can't be read to its end gives a shorter entry; one that grows is cut at the size

@@ -100,6 +100,8 @@ TEST_F(ARXKRYHandleTest, BothKindsWriteTheSizeOnFailureToo)
 
 TEST_F(ARXKRYHandleTest, SizesBeyond32BitsReachNeitherTheLockNorTheInterface)
 {
+    if (SIZE_MAX == UINT32_MAX)
+        GTEST_SKIP() << "no size is that large here";
     NEBThreadGuard const guard(m_lock);
     char* data = nullptr;
     std::size_t size = std::size_t(UINT32_MAX) + 1;

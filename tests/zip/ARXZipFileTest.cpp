@@ -154,8 +154,8 @@ TEST_F(ARXZipFileTest, StoresDatesAsLocalTime)
         {"LastSecondsOfWinter", newYork, 1678604398, 1678604398},
         {"FirstSecondOfSummer", newYork, 1678604400, 1678604400},
         {"LastSecondsOf2107", "UTC0", 4354819198, 4354819198},
-        {"First2108", "UTC0", 4354819200, s_notSet},
-        {"Epoch", "UTC0", 0, 2524608000},  // 2050-01-01
+        {"First2108", "UTC0", 4354819200, sizeof(long) == 4 ? 315532800 : s_notSet},  // 1980-01-01
+        {"Epoch", "UTC0", 0, 2524608000},                                             // 2050-01-01
     };
     for (DateRow const& row : rows)
     {
