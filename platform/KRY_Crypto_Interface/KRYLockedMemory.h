@@ -5,6 +5,7 @@
 #define KRY_CRYPTO_INTERFACE_KRYLOCKEDMEMORY_H
 
 #include <cstddef>
+#include <type_traits>
 
 class KRYLockedPages
 {
@@ -20,6 +21,7 @@ class KRYLockedMemory
 {
 public:
     using value_type = T;
+    using propagate_on_container_move_assignment = std::true_type;  // keys can't be moved one by one
 
     KRYLockedMemory() = default;
     template <class Other>

@@ -2,10 +2,11 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
+#include <sstream>
 
 #include "NEBCore/NEBException.h"
 #include "NEBCore/NEBThreadGuard.h"
+#include "os/OsFile.h"
 
 namespace
 {
@@ -22,6 +23,19 @@ std::string trimmed(std::string const& text)
 [[noreturn]] void refuse(std::string const& path, std::string const& reason)
 {
     NEBException((path + reason).c_str()).hurl(NEB_HERE, "NEBConfigurationStore::load", "NEB_THROW");
+}
+
+// Not by a stream, since those of libc++ take an error for the end of the file.
+std::string readText(std::string const& path)
+{
+    OsFile file;
+    std::string text;
+    std::int64_t count = file.open(path.c_str(), OsFile::s_read) ? 1 : -1;
+    for (char piece[4096]; count > 0 && (count = file.read(piece, sizeof piece)) > 0;)
+        text.append(piece, static_cast<std::size_t>(count));
+    if (count < 0)
+        refuse(path, std::string(": ") + std::strerror(errno));
+    return text;
 }
 }  // namespace
 
@@ -55,10 +69,7 @@ void NEBConfigurationStore::clear()
 
 void NEBConfigurationStore::load(std::string const& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        refuse(path, std::string(": ") + std::strerror(errno));
-
+    std::istringstream file(readText(path));
     Settings read;
     std::string line;
     for (int number = 1; std::getline(file, line); ++number)
@@ -76,8 +87,6 @@ void NEBConfigurationStore::load(std::string const& path)
         if (!read.emplace(key.c_str(), trimmed(line.substr(equals + 1)).c_str()).second)
             refuse(path, place + ": \"" + key + "\" is set twice");
     }
-    if (file.bad())
-        refuse(path, std::string(": ") + std::strerror(errno));
 
     // Neither step needs memory, so that all settings of the file are taken or none.
     NEBThreadGuard const guard(m_lock);
