@@ -14,7 +14,7 @@ namespace
 {
 std::string escaped(unsigned byte)
 {
-    char text[4];
+    char text[8];  // g++ sees a unit where there is a byte
     std::snprintf(text, sizeof text, "%%%02x", byte);
     return text;
 }
