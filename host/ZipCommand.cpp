@@ -64,7 +64,7 @@ SourceFile describe(std::string const& path, std::string const& base)
 }
 
 // The files of a directory by the bytes of their names, then those of its subdirectories. Links to files
-// count as files, other links are left out.
+// count as files, links to folders and to nowhere are left out.
 void collect(SourceFiles& files, fs::path const& directory, std::string const& base,
              std::string const& archive)
 {
@@ -81,9 +81,12 @@ void collect(SourceFiles& files, fs::path const& directory, std::string const& b
     for (fs::directory_entry const& entry : entries)
     {
         stopIfInterrupted();
-        if (!entry.is_symlink(error) && entry.is_directory(error))
+        fs::file_type const type = entry.status(error).type();  // of a link's target
+        if (type == fs::file_type::none && error != std::errc::too_many_symbolic_link_levels)
+            failed(NEB_HERE, entry.path(), error.message());
+        if (type == fs::file_type::directory && !entry.is_symlink(error))
             directories.push_back(entry.path());
-        else if (!entry.is_regular_file(error))
+        else if (type != fs::file_type::regular)
             printError(entry.path().native() + ": is left out, since it is no regular file");
         else if (entry.path() != archive)
             files.push_back(describe(entry.path(), base));
@@ -205,42 +208,58 @@ std::string resolved(fs::path const& path)
     return path.empty() ? path : fs::weakly_canonical(path);
 }
 
+// Without links in the folder's path, so that an archive in the tree is left out of itself. A link as archive
+// is refused.
+std::string locate(std::string const& archive)
+{
+    fs::path const given = fs::absolute(archive);
+    return fs::path(resolved(given.parent_path())) / given.filename();
+}
+
+SourceFiles collect(ZipOptions const& options, std::string const& archive)
+{
+    std::string const directory = resolved(options.m_directory);
+    std::string const base = options.m_base.empty() ? directory : resolved(options.m_base);
+    SourceFiles files;
+    collect(files, directory, options.m_flat ? "" : base, archive);
+    requireUniqueNames(files);
+    return files;
+}
+
+// Names the files that can't be read, and returns their number.
+std::size_t addAll(ArchiveOutput& output, SourceFiles& files, Progress& progress)
+{
+    std::size_t failures = 0;
+    for (SourceFile& file : files)
+    {
+        try
+        {
+            output.add(file, progress);
+        }
+        catch (NEBThrowable const& error)
+        {
+            printError(reasonOf(error));
+            ++failures;
+        }
+    }
+    return failures;
+}
+
 int zip(ZipOptions const& options)
 {
     tzset();  // localtime_r alone need not read the time zone
     if (options.m_archive == "-")
         failed(NEB_HERE, "an archive can't go to standard output: sizes are filled in later");
-    // Its folder without links, so that an archive in the tree is left out of itself; a link as archive is
-    // refused.
-    fs::path const given = fs::absolute(options.m_archive);
-    std::string const archive = fs::path(resolved(given.parent_path())) / given.filename();
-    std::string const directory = resolved(options.m_directory);
-    std::string const base = options.m_base.empty() ? directory : resolved(options.m_base);
-
-    SourceFiles files;
-    collect(files, directory, options.m_flat ? "" : base, archive);
-    requireUniqueNames(files);
+    std::string const archive = locate(options.m_archive);
+    SourceFiles files = collect(options, archive);
     ArchiveOutput output(archive);
-    std::size_t failures = 0;
     {
         Progress progress;
-        for (SourceFile& file : files)
-        {
-            try
-            {
-                output.add(file, progress);
-            }
-            catch (NEBThrowable const& error)
-            {
-                printError(reasonOf(error));
-                ++failures;
-            }
-        }
-        if (failures == 0)
-            output.place(files);
+        std::size_t const failures = addAll(output, files, progress);
+        if (failures != 0)
+            failed(NEB_HERE, archive, "is not written: " + std::to_string(failures) + " files can't be read");
+        output.place(files);
     }
-    if (failures != 0)
-        failed(NEB_HERE, archive, "is not written: " + std::to_string(failures) + " files can't be read");
     std::cout << files.size() << " files\n";
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "FileResponse.h"
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 
 #include "Journal.h"

@@ -1,6 +1,7 @@
 #include "Gateway.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <set>

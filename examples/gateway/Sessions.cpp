@@ -13,9 +13,8 @@
 #include <crypt.h>
 #include <unistd.h>
 
+#include "CryptoHandle.h"
 #include "Text.h"
-#include "crypto/ARXKRYHandleFactory.h"
-#include "crypto/ARXSimpleKRYHandleI.h"
 
 namespace
 {
@@ -28,19 +27,17 @@ std::time_t constexpr s_seconds = 12 * 3600;
 // HMAC under a key that the crypto interface derives from the key file for this service alone.
 std::string sign(std::string const& identifier)
 {
-    ARXSimpleKRYHandleI* const handle = ARXKRYHandleFactory::createHandle(
+    CryptoHandle<ARXSimpleKRYHandleI> const handle(ARXKRYHandleFactory::createHandle(
         "<sessionConfigDocument><serviceID>ARXGATE</serviceID></sessionConfigDocument>",
-        "<setInfoDocument><action>CSKHMAC</action><dataLocation>memory</dataLocation></setInfoDocument>");
+        "<setInfoDocument><action>CSKHMAC</action><dataLocation>memory</dataLocation></setInfoDocument>"));
     char* data = nullptr;
     std::size_t size = 0;
     std::int32_t const status =
         handle->protectData(identifier.data(), identifier.size(), &data, &size, nullptr);
-    std::string const signature = status >= 0 ? toHex(data, size) : "";
-    handle->cryptoFree(data, nullptr);
-    ARXKRYHandleFactory::destroyHandle(handle);
-    if (signature.size() != s_signatureSize)
+    CryptoMemory const owner(data, {handle.get()});
+    if (status < 0 || 2 * size != s_signatureSize)
         throw std::runtime_error("a session can't be signed");
-    return signature;
+    return toHex(data, size);
 }
 }  // namespace
 

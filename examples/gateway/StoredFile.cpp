@@ -9,9 +9,9 @@
 
 #include <fcntl.h>
 
-#include "crypto/ARXKRYHandleFactory.h"
-#include "crypto/ARXKRYHandleI.h"
 #include "path/ARXFmDir.h"
+
+#include "CryptoHandle.h"
 
 namespace
 {
@@ -19,16 +19,10 @@ std::size_t constexpr s_pieceSize = 65536;
 std::size_t constexpr s_longestName = 255;
 std::array<char, 6> constexpr s_sealedMark{'K', 'R', 'Y', 'E', 'N', 'C'};
 
-struct DestroyHandle
-{
-    void operator()(ARXKRYHandleI* handle) const { ARXKRYHandleFactory::destroyHandle(handle); }
-};
-using Handle = std::unique_ptr<ARXKRYHandleI, DestroyHandle>;
-
 // Sealed files belong to the service of the stream that writes them.
-Handle openSealed(std::string const& path, std::uint64_t offset)
+CryptoHandle<ARXKRYHandleI> openSealed(std::string const& path, std::uint64_t offset)
 {
-    Handle handle(ARXKRYHandleFactory::createHandle());
+    CryptoHandle<ARXKRYHandleI> handle(ARXKRYHandleFactory::createHandle());
     handle->persistentInitialize(
         "<sessionConfigDocument><serviceID>ARXIUM</serviceID></sessionConfigDocument>", nullptr);
     std::string const document = "<setInfoDocument><action>DecipherStream</action><fileInput>" + path +
@@ -38,18 +32,10 @@ Handle openSealed(std::string const& path, std::uint64_t offset)
     return handle;
 }
 
-// Releases what a handle returned.
-struct FreeMemory
-{
-    ARXKRYHandleI* m_handle;
-    void operator()(char* memory) const { m_handle->cryptoFree(memory, nullptr); }
-};
-using CryptoMemory = std::unique_ptr<char, FreeMemory>;
-
 // Authenticated by the last segment.
 std::uint64_t getSealedSize(std::string const& path)
 {
-    Handle const handle = openSealed(path, 0);
+    auto const handle = openSealed(path, 0);
     char name[] = "size";
     char* text = nullptr;
     std::int32_t const status = handle->getInfo(name, &text, nullptr);
@@ -133,7 +119,7 @@ bool StoredFile::readPlain(std::uint64_t first, std::uint64_t length, Sink const
 
 bool StoredFile::readSealed(std::uint64_t first, std::uint64_t length, Sink const& sink) const
 {
-    Handle const handle = openSealed(getPath(m_file), first);
+    auto const handle = openSealed(getPath(m_file), first);
     while (length != 0)
     {
         char* data = nullptr;

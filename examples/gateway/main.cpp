@@ -1,8 +1,11 @@
+#include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include <sys/socket.h>
@@ -59,10 +62,12 @@ std::unique_ptr<httplib::Server> makeServer(Options const& options)
 int bind(httplib::Server& server, std::string const& address)
 {
     std::size_t const colon = address.rfind(':');
-    if (colon == std::string::npos)
-        throw std::runtime_error(address + ": no HOST:PORT");
     std::string const host = address.substr(0, colon);
-    int port = std::stoi(address.substr(colon + 1));
+    char const* const end = address.data() + address.size();
+    std::uint16_t wanted = 0;
+    auto const [rest, error] = std::from_chars(address.data() + colon + 1, end, wanted);
+    if (colon == std::string::npos || error != std::errc() || rest != end)
+        throw std::runtime_error(address + ": no HOST:PORT");
     int listener = -1;
     server.set_socket_options(
         [&listener](int socket)
@@ -71,9 +76,10 @@ int bind(httplib::Server& server, std::string const& address)
             ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
             listener = socket;
         });
-    if (port == 0)
+    int port = wanted;
+    if (wanted == 0)
         port = server.bind_to_any_port(host);
-    else if (!server.bind_to_port(host, port))
+    else if (!server.bind_to_port(host, wanted))
         port = -1;
     if (port < 0 || ::listen(listener, SOMAXCONN) != 0)
         throw std::runtime_error(address + ": can't be listened to");
