@@ -1,7 +1,6 @@
 #include "KRY_Crypto_Interface/KRYError.h"
 
 #include <cerrno>
-#include <new>
 #include <system_error>
 
 #include <openssl/err.h>
@@ -17,24 +16,4 @@ void requireCrypto(bool succeeded, char const* operation)
         return;
     ERR_clear_error();
     throw KRYError(KRY_ERROR_CRYPTO, std::string("OpenSSL failed in ") + operation);
-}
-
-KRYFailure currentFailure() noexcept
-{
-    try
-    {
-        throw;
-    }
-    catch (KRYError const& error)
-    {
-        return {error.getStatus(), error.what()};
-    }
-    catch (std::bad_alloc const&)
-    {
-        return {KRY_ERROR_MEMORY, "out of memory"};
-    }
-    catch (...)
-    {
-        return {KRY_ERROR_INTERNAL, "unexpected failure"};
-    }
 }

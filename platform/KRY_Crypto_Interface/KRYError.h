@@ -1,9 +1,10 @@
-// How the classes of this library fail: by this exception. The ten functions turn it into a status and a
+// How the classes of this library fail: by this exception, which the ten functions turn into a status and a
 // text.
 
 #ifndef KRY_CRYPTO_INTERFACE_KRYERROR_H
 #define KRY_CRYPTO_INTERFACE_KRYERROR_H
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -26,12 +27,28 @@ private:
 // Raises KRY_ERROR_CRYPTO unless a call into OpenSSL succeeded, and clears the thread's error queue.
 void requireCrypto(bool succeeded, char const* operation);
 
-// What the exception in flight amounts to; for use in a catch block, and the text lives as long as that.
-struct KRYFailure
+// Runs work and keeps in failure what it raises.
+template <class Work>
+void keepFailure(std::exception_ptr& failure, Work work)
 {
-    KRYStatus m_status;
-    char const* m_text;
-};
-KRYFailure currentFailure() noexcept;
+    try
+    {
+        work();
+    }
+    catch (...)
+    {
+        failure = std::current_exception();
+        throw;
+    }
+}
+
+// The same until work fails once: every later run fails for that reason.
+template <class Work>
+void runUntilFailure(std::exception_ptr& failure, Work work)
+{
+    if (failure)
+        std::rethrow_exception(failure);
+    keepFailure(failure, work);
+}
 
 #endif

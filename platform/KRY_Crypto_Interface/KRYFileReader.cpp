@@ -9,8 +9,8 @@
 
 namespace
 {
-constexpr std::uint64_t s_segmentSize = KRYFileHeader::s_segmentSize;
-constexpr std::size_t s_tagSize = KRYFileHeader::s_tagSize;
+constexpr std::uint64_t s_segmentSize = KRYFileCipher::s_segmentSize;
+constexpr std::size_t s_tagSize = KRYFileCipher::s_tagSize;
 constexpr std::uint64_t s_sealedSize = s_segmentSize + s_tagSize;
 constexpr std::uint64_t s_none = ~std::uint64_t{0};  // number of no segment
 constexpr char s_cutOff[] = "the encrypted file is cut off";
@@ -21,7 +21,7 @@ KRYFileReader::KRYFileReader(std::string_view path, std::uint64_t offset, KRYMas
     : m_name(OsFileName::forReading(std::string(path))),
       m_bodySize(openFile()),
       m_lastNumber(m_bodySize == 0 ? 0 : (m_bodySize - 1) / s_sealedSize),
-      m_cipher(readHeader(keys), serviceID),
+      m_cipher(readHeader(), keys, serviceID),
       m_position(offset),
       m_segment(std::make_unique<unsigned char[]>(s_sealedSize)),
       m_number(s_none)
@@ -41,14 +41,14 @@ KRYFileReader::~KRYFileReader()
 std::string_view KRYFileReader::peek()
 {
     std::uint64_t const number = std::min(m_position / s_segmentSize, m_lastNumber);
-    m_sticky.run([&] { load(number); });
+    runUntilFailure(m_failure, [&] { load(number); });
     std::string_view const segment(reinterpret_cast<char const*>(m_segment.get()), m_loaded);
     return segment.substr(static_cast<std::size_t>(m_position - number * s_segmentSize));
 }
 
 std::uint64_t KRYFileReader::getSize()
 {
-    m_sticky.run([&] { load(m_lastNumber); });
+    runUntilFailure(m_failure, [&] { load(m_lastNumber); });
     return m_lastNumber * s_segmentSize + m_loaded;
 }
 
@@ -61,16 +61,16 @@ std::uint64_t KRYFileReader::openFile()
         raiseSystemError(KRY_ERROR_FILE, "file " + m_name + " can't be opened");
     if (status.m_type != OsFile::s_regularFile)
         throw KRYError(KRY_ERROR_FILE, "file " + m_name + " is not a regular file");
-    if (status.m_size < std::int64_t{KRYFileHeader::s_size})
+    if (status.m_size < std::int64_t{KRYFileCipher::s_headerSize})
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
-    return static_cast<std::uint64_t>(status.m_size) - KRYFileHeader::s_size;
+    return static_cast<std::uint64_t>(status.m_size) - KRYFileCipher::s_headerSize;
 }
 
-KRYFileHeader KRYFileReader::readHeader(KRYMasterKeys const& keys) const
+KRYFileCipher::Header KRYFileReader::readHeader() const
 {
-    KRYFileHeader::Bytes bytes;
-    read(0, bytes.data(), bytes.size());
-    return KRYFileHeader(keys, bytes);
+    KRYFileCipher::Header header;
+    read(0, header.data(), header.size());
+    return header;
 }
 
 void KRYFileReader::read(std::uint64_t offset, unsigned char* target, std::size_t size) const
@@ -93,7 +93,7 @@ void KRYFileReader::load(std::uint64_t number)
     m_number = s_none;
     if (size < s_tagSize)
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
-    read(KRYFileHeader::s_size + start, m_segment.get(), size);
+    read(KRYFileCipher::s_headerSize + start, m_segment.get(), size);
     if (!m_cipher.open(number, last, m_segment.get(), size - s_tagSize))
         throw KRYError(KRY_ERROR_DAMAGED, "the encrypted file is damaged or belongs to another service");
     m_number = number;

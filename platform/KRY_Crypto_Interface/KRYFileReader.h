@@ -8,12 +8,12 @@
 #define KRY_CRYPTO_INTERFACE_KRYFILEREADER_H
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "KRY_Crypto_Interface/KRYSegmentCipher.h"
-#include "KRY_Crypto_Interface/KRYSticky.h"
+#include "KRY_Crypto_Interface/KRYFileCipher.h"
 #include "os/OsFile.h"
 
 class KRYFileReader
@@ -35,7 +35,7 @@ public:
 
 private:
     std::uint64_t openFile();
-    KRYFileHeader readHeader(KRYMasterKeys const& keys) const;
+    KRYFileCipher::Header readHeader() const;
     void read(std::uint64_t offset, unsigned char* target, std::size_t size) const;
     void load(std::uint64_t number);
 
@@ -43,8 +43,8 @@ private:
     OsFile m_file;
     std::uint64_t const m_bodySize;  // of all segments with their tags
     std::uint64_t const m_lastNumber;
-    KRYSegmentCipher m_cipher;
-    KRYSticky m_sticky;
+    KRYFileCipher m_cipher;
+    std::exception_ptr m_failure;
 
     std::uint64_t m_position;  // in the plain data
     std::unique_ptr<unsigned char[]> m_segment;

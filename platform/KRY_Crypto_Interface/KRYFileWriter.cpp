@@ -8,17 +8,17 @@
 
 namespace
 {
-constexpr std::size_t s_segmentSize = KRYFileHeader::s_segmentSize;
-constexpr std::size_t s_tagSize = KRYFileHeader::s_tagSize;
+constexpr std::size_t s_segmentSize = KRYFileCipher::s_segmentSize;
+constexpr std::size_t s_tagSize = KRYFileCipher::s_tagSize;
 constexpr unsigned s_mode = 0666;  // less the umask
 }  // namespace
 
 KRYFileWriter::KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID)
-    : m_cipher(KRYFileHeader(keys), serviceID),
-      m_segment(std::make_unique<unsigned char[]>(s_segmentSize + s_tagSize))
+    : m_cipher(keys, serviceID), m_segment(std::make_unique<unsigned char[]>(s_segmentSize + s_tagSize))
 {
     require(m_file.create(std::string(target), s_mode));
-    require(m_file.write(m_cipher.getHeader().data(), KRYFileHeader::s_size) == KRYFileHeader::s_size);
+    require(m_file.write(m_cipher.getHeader().data(), KRYFileCipher::s_headerSize) ==
+            KRYFileCipher::s_headerSize);
 }
 
 KRYFileWriter::~KRYFileWriter()
@@ -28,17 +28,17 @@ KRYFileWriter::~KRYFileWriter()
 
 void KRYFileWriter::append(char const* data, std::size_t size)
 {
-    m_sticky.run([&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
+    runUntilFailure(m_failure, [&] { gather(reinterpret_cast<unsigned char const*>(data), size); });
 }
 
 void KRYFileWriter::finish()
 {
-    m_sticky.run(
-        [&]
-        {
-            writeSegment(true);
-            require(m_file.replace());
-        });
+    runUntilFailure(m_failure,
+                    [&]
+                    {
+                        writeSegment(true);
+                        require(m_file.replace());
+                    });
 }
 
 void KRYFileWriter::gather(unsigned char const* data, std::size_t size)

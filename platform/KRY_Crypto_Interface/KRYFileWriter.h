@@ -12,12 +12,12 @@
 #define KRY_CRYPTO_INTERFACE_KRYFILEWRITER_H
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "KRY_Crypto_Interface/KRYSegmentCipher.h"
-#include "KRY_Crypto_Interface/KRYSticky.h"
+#include "KRY_Crypto_Interface/KRYFileCipher.h"
 #include "os/OsPlacedFile.h"
 
 class KRYFileWriter
@@ -39,8 +39,8 @@ private:
     void require(bool succeeded) const;
 
     OsPlacedFile m_file;
-    KRYSegmentCipher m_cipher;
-    KRYSticky m_sticky;
+    KRYFileCipher m_cipher;
+    std::exception_ptr m_failure;
 
     // A full segment waits here until more data shows that it is not the last.
     std::unique_ptr<unsigned char[]> m_segment;

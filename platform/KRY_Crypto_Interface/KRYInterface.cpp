@@ -18,8 +18,8 @@ KRYInterface& KRYInterface::getInstance()
 void KRYInterface::start(char const* document)
 {
     std::lock_guard<std::mutex> const guard(m_lock);
-    m_startFailure.watch([&] { startService(document); });
-    m_startFailure.clear();
+    keepFailure(m_startFailure, [&] { startService(document); });
+    m_startFailure = nullptr;
 }
 
 void KRYInterface::startService(char const* document)
@@ -35,10 +35,10 @@ void KRYInterface::startService(char const* document)
         m_keys = std::move(keys);
 }
 
-std::string KRYInterface::getStartFailure()
+std::exception_ptr KRYInterface::getStartFailure()
 {
     std::lock_guard<std::mutex> const guard(m_lock);
-    return m_startFailure.getText();
+    return m_startFailure;
 }
 
 void KRYInterface::stop(char const* document)

@@ -4,6 +4,7 @@
 #ifndef KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 #define KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 
+#include <exception>
 #include <mutex>
 #include <set>
 #include <string>
@@ -24,8 +25,8 @@ public:
     void stop(char const* document);
     void* open(char const* document);
 
-    // Why the last start failed; empty if it succeeded.
-    std::string getStartFailure();
+    // What the last start raised; null if it succeeded.
+    std::exception_ptr getStartFailure();
 
     KRYRegistry& getSessions() { return m_sessions; }
 
@@ -36,7 +37,7 @@ private:
     std::mutex m_lock;
     std::set<std::string, std::less<>> m_services;
     KRYMasterKeys m_keys;  // empty unless a service is started; sessions refer to them
-    KRYLastFailure m_startFailure;
+    std::exception_ptr m_startFailure;
     KRYRegistry m_sessions;
 };
 

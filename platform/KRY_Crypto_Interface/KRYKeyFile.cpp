@@ -83,25 +83,19 @@ std::string defaultPath()
     return path;
 }
 
-bool isWrongSize(std::int64_t size)
+// What is wrong with a key file; null if it keeps its rules.
+char const* faultOf(OsFileStatus const& status)
 {
-    return size <= 0 || size > s_limit * s_keySize || size % s_keySize != 0;
+    if (status.m_type != OsFile::s_regularFile)
+        return " is not a regular file";
+    if (status.m_owner != ::geteuid())
+        return " belongs to another user";
+    if ((status.m_permissions & 0077) != 0)
+        return " is open to group or others";
+    if (status.m_size <= 0 || status.m_size > s_limit * s_keySize || status.m_size % s_keySize != 0)
+        return " does not hold 1 to 64 keys of 32 bytes";
+    return nullptr;
 }
-
-struct Rule
-{
-    bool (*m_isBroken)(OsFileStatus const& status);
-    char const* m_text;
-};
-constexpr Rule s_rules[] = {
-    {[](OsFileStatus const& status) { return status.m_type != OsFile::s_regularFile; },
-     " is not a regular file"},
-    {[](OsFileStatus const& status) { return status.m_owner != ::geteuid(); }, " belongs to another user"},
-    {[](OsFileStatus const& status) { return (status.m_permissions & 0077) != 0; },
-     " is open to group or others"},
-    {[](OsFileStatus const& status) { return isWrongSize(status.m_size); },
-     " does not hold 1 to 64 keys of 32 bytes"},
-};
 }  // namespace
 
 KRYMasterKeys KRYKeyFile::load()
@@ -114,9 +108,8 @@ KRYMasterKeys KRYKeyFile::load()
     OsFileStatus status;
     if (!file.open(path.c_str(), OsFile::s_read | OsFile::s_noWait) || !file.getStatus(status))
         raiseSystemError(KRY_ERROR_FILE, label + " can't be opened");
-    for (Rule const& rule : s_rules)
-        if (rule.m_isBroken(status))
-            throw KRYError(KRY_ERROR_KEY, label + rule.m_text);
+    if (char const* const fault = faultOf(status))
+        throw KRYError(KRY_ERROR_KEY, label + fault);
     KRYMasterKeys keys(static_cast<std::size_t>(status.m_size / s_keySize));
     for (KRYSecret& key : keys)
     {

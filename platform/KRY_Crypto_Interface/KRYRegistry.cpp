@@ -18,11 +18,11 @@ void KRYRegistry::Entry::close()
     m_session.reset();
 }
 
-KRYRegistry::Access::Access(KRYRegistry& registry, void* token)
-    : m_entry(registry.find(token)), m_guard(m_entry->m_lock)
+KRYSession& KRYRegistry::Entry::getSession() const
 {
-    if (!m_entry->m_session)
+    if (!m_session)
         refuse();
+    return *m_session;
 }
 
 void* KRYRegistry::add(std::unique_ptr<KRYSession> session)

@@ -18,6 +18,8 @@ class KRYRegistry
     struct Entry
     {
         explicit Entry(std::unique_ptr<KRYSession> session) : m_session(std::move(session)) {}
+        // Raises if it is closed.
+        KRYSession& getSession() const;
         // Waits for a call that is in the session.
         void close();
 
@@ -27,26 +29,19 @@ class KRYRegistry
     using Entries = std::unordered_map<std::uintptr_t, std::shared_ptr<Entry>>;
 
 public:
-    // A session, locked for the object's lifetime. Raises KRYError with KRY_ERROR_SESSION for what is no
-    // token of an open session.
-    class Access
-    {
-    public:
-        Access(KRYRegistry& registry, void* token);
-        KRYSession& operator*() const { return *m_entry->m_session; }
-        KRYSession* operator->() const { return m_entry->m_session.get(); }
-
-    private:
-        std::shared_ptr<Entry> const m_entry;
-        std::lock_guard<std::mutex> const m_guard;
-    };
-
     KRYRegistry() = default;
     KRYRegistry(KRYRegistry const&) = delete;
     KRYRegistry& operator=(KRYRegistry const&) = delete;
 
     void* add(std::unique_ptr<KRYSession> session);
-    // Raises as Access does.
+    // This and close raise KRYError with KRY_ERROR_SESSION for what is no token of an open session.
+    template <class Work>
+    void with(void* token, Work work)
+    {
+        std::shared_ptr<Entry> const entry = find(token);
+        std::lock_guard<std::mutex> const guard(entry->m_lock);
+        work(entry->getSession());
+    }
     void close(void* token);
     void closeAll();
 

@@ -1,24 +1,6 @@
 #include "KRY_Crypto_Interface/KRYSession.h"
 
-#include <algorithm>
-#include <string_view>
-#include <utility>
-
 #include "KRY_Crypto_Interface/KRYError.h"
-#include "KRY_Crypto_Interface/KRYMemory.h"
-
-namespace
-{
-void give(KRYOutput output, std::string_view bytes)
-{
-    if (!output.m_data || !output.m_size)
-        throw KRYError(KRY_ERROR_ARGUMENT, "there is no place for what comes back");
-    if (bytes.empty())
-        return;
-    *output.m_data = copyOut(bytes);
-    *output.m_size = static_cast<std::uint32_t>(bytes.size());
-}
-}  // namespace
 
 KRYSession::KRYSession(std::string_view serviceID, KRYMasterKeys const& keys)
     : m_serviceID(serviceID), m_keys(keys)
@@ -41,36 +23,22 @@ void KRYSession::setUp(char const* document)
         m_reader = std::make_unique<KRYFileReader>(fileName, offset, m_keys, m_serviceID);
 }
 
-void KRYSession::protect(char const* data, std::uint32_t size, KRYOutput output)
+std::optional<KRYSigner::Digest> KRYSession::protect(char const* data, std::uint32_t size)
 {
     if (!data && size != 0)
         throw KRYError(KRY_ERROR_ARGUMENT, "there is a size but no data");
+    if (m_signer)
+        return m_signer->sign(data, size);
     if (m_closing && size == 0)
-        return finishFile();
-    if (m_writer && !m_closing)
-        return m_writer->append(data, size);
-    if (!m_signer)
+        finishFile();
+    else if (m_writer && !m_closing)
+        m_writer->append(data, size);
+    else
         throw KRYError(KRY_ERROR_STATE, "the session is not set up to protect data");
-    KRYSigner::Digest const digest = m_signer->sign(data, size);
-    give(output, {reinterpret_cast<char const*>(digest.data()), digest.size()});
+    return {};
 }
 
-void KRYSession::unprotect(std::uint32_t wanted, KRYOutput output)
-{
-    KRYFileReader& reader = getReader();
-    std::string_view bytes = reader.peek();
-    if (wanted != 0)
-        bytes = bytes.substr(0, wanted);
-    give(output, bytes);
-    reader.advance(bytes.size());
-}
-
-std::uint64_t KRYSession::getFileSize()
-{
-    return getReader().getSize();
-}
-
-KRYFileReader& KRYSession::getReader()
+KRYFileReader& KRYSession::getReader() const
 {
     if (!m_reader)
         throw KRYError(KRY_ERROR_STATE, "the session is not set up to read a file");

@@ -17,23 +17,16 @@
 #define KRY_CRYPTO_INTERFACE_KRYSESSION_H
 
 #include <cstdint>
+#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "KRY_Crypto_Interface/KRYDocument.h"
 #include "KRY_Crypto_Interface/KRYFileReader.h"
 #include "KRY_Crypto_Interface/KRYFileWriter.h"
-#include "KRY_Crypto_Interface/KRYLastFailure.h"
 #include "KRY_Crypto_Interface/KRYSigner.h"
-
-// Where a call puts what comes back. Both stand at 0 before the call, and either is null if nothing is
-// wanted.
-struct KRYOutput
-{
-    char** m_data;
-    std::uint32_t* m_size;
-};
 
 class KRYSession
 {
@@ -44,22 +37,20 @@ public:
     void setUp(char const* document);
     std::string const& getServiceID() const { return m_serviceID; }
 
-    void protect(char const* data, std::uint32_t size, KRYOutput output);
-    // Reads wanted bytes at most, and at most a segment; 0 means a segment.
-    void unprotect(std::uint32_t wanted, KRYOutput output);
+    // Returns a signature if the session signs.
+    std::optional<KRYSigner::Digest> protect(char const* data, std::uint32_t size);
+    // Of the file that unprotect reads. Raises if the session reads none.
+    KRYFileReader& getReader() const;
 
-    // The size of the plain data of the file that is read.
-    std::uint64_t getFileSize();
-
-    KRYLastFailure& getLastFailure() { return m_lastFailure; }
+    // What the last call that failed raised; null if none has.
+    std::exception_ptr& getLastFailure() { return m_lastFailure; }
 
 private:
-    KRYFileReader& getReader();
     void finishFile();
 
     std::string const m_serviceID;
     KRYMasterKeys const& m_keys;
-    KRYLastFailure m_lastFailure;
+    std::exception_ptr m_lastFailure;
 
     // At most one of the three is there.
     std::unique_ptr<KRYSigner> m_signer;

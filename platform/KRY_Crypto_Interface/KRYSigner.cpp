@@ -6,8 +6,6 @@
 
 #include <openssl/crypto.h>
 
-#include "KRY_Crypto_Interface/KRYKeyDerivation.h"
-
 namespace
 {
 // Writes in place: a state that is returned could leave a copy of itself in memory.
@@ -25,8 +23,7 @@ void startHash(SHA256_CTX& state, KRYSecret const& key, unsigned char pad)
 
 KRYSigner::KRYSigner(KRYSecret const& masterKey, std::string const& serviceID)
 {
-    KRYSecret key;
-    KRYKeyDerivation::deriveSignatureKey(masterKey, serviceID, key);
+    KRYSecret const key(masterKey, "", "KRY signature 2:" + serviceID);
     startHash(m_inner, key, 0x36);
     startHash(m_outer, key, 0x5C);
 }

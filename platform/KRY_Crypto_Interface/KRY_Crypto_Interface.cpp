@@ -2,20 +2,41 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYInterface.h"
-#include "KRY_Crypto_Interface/KRYMemory.h"
 
 namespace
 {
-// Lack of memory costs the text, never the status.
-void giveText(char** target, std::string_view text) noexcept
+// Returns the status of a failure and writes its text. Lack of memory costs the text, never the status.
+std::int32_t tell(std::exception_ptr const& failure, char** details) noexcept
 {
-    if (target && !text.empty())
-        *target = ::strndup(text.data(), text.size());
+    auto const give = [details](KRYStatus status, char const* text)
+    {
+        if (details)
+            *details = ::strdup(text);
+        return status;
+    };
+    try
+    {
+        std::rethrow_exception(failure);
+    }
+    catch (KRYError const& error)
+    {
+        return give(error.getStatus(), error.what());
+    }
+    catch (std::bad_alloc const&)
+    {
+        return give(KRY_ERROR_MEMORY, "out of memory");
+    }
+    catch (...)
+    {
+        return give(KRY_ERROR_INTERNAL, "unexpected failure");
+    }
 }
 
 // Runs work where nothing may leave but a status.
@@ -29,22 +50,17 @@ std::int32_t guarded(char** details, Work work) noexcept
     }
     catch (...)
     {
-        KRYFailure const failure = currentFailure();
-        giveText(details, failure.m_text);
-        return failure.m_status;
+        return tell(std::current_exception(), details);
     }
 }
 
-// Runs work on a session, which keeps the reason of a failure.
+// Runs work on a session, which keeps what it raises.
 template <class Work>
 std::int32_t inSession(void* token, Work work) noexcept
 {
-    return guarded(nullptr,
-                   [&]
-                   {
-                       KRYRegistry::Access const session(KRYInterface::getInstance().getSessions(), token);
-                       session->getLastFailure().watch([&] { work(*session); });
-                   });
+    auto const keepingFailure = [&](KRYSession& session)
+    { keepFailure(session.getLastFailure(), [&] { work(session); }); };
+    return guarded(nullptr, [&] { KRYInterface::getInstance().getSessions().with(token, keepingFailure); });
 }
 
 // Raises where a pointer that the call can't do without is null.
@@ -59,17 +75,38 @@ std::string getInfo(KRYSession& session, std::string_view name)
     if (name == "serviceID")
         return session.getServiceID();
     if (name == "size")
-        return std::to_string(session.getFileSize());
+        return std::to_string(session.getReader().getSize());
     throw KRYError(KRY_ERROR_ARGUMENT, "there is no information of that name");
 }
 
-KRYOutput cleared(char** data, std::uint32_t* size)
+void clear(char** data, std::uint32_t* size)
 {
     if (data)
         *data = nullptr;
     if (size)
         *size = 0;
-    return {data, size};
+}
+
+// A copy with a zero byte after it, by malloc, so that KRY_CryptoFree works without a start.
+char* copied(std::string_view bytes)
+{
+    auto* const copy = static_cast<char*>(std::malloc(bytes.size() + 1));
+    if (!copy)
+        throw std::bad_alloc();
+    std::memcpy(copy, bytes.data(), bytes.size());
+    copy[bytes.size()] = '\0';
+    return copy;
+}
+
+// Both stand at 0 before.
+void give(char** data, std::uint32_t* size, std::string_view bytes)
+{
+    requireArgument(data);
+    requireArgument(size);
+    if (bytes.empty())
+        return;
+    *data = copied(bytes);
+    *size = static_cast<std::uint32_t>(bytes.size());
 }
 }  // namespace
 
@@ -111,28 +148,38 @@ std::int32_t KRY_GetInfo(void* session, void* first, void* second, void*)
                      {
                          requireArgument(first);
                          requireArgument(target);
-                         *target = copyOut(getInfo(open, static_cast<char const*>(first)));
+                         *target = copied(getInfo(open, static_cast<char const*>(first)));
                      });
 }
 
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,
                              std::uint32_t* outSize, void*)
 {
-    KRYOutput const output = cleared(outData, outSize);
-    return inSession(session, [&](KRYSession& open) { open.protect(data, size, output); });
+    clear(outData, outSize);
+    return inSession(
+        session,
+        [&](KRYSession& open)
+        {
+            auto const digest = open.protect(data, size);
+            if (digest)
+                give(outData, outSize, {reinterpret_cast<char const*>(digest->data()), digest->size()});
+        });
 }
 
 std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
                                std::uint32_t* outSize, void*)
 {
-    std::uint32_t const wanted = outSize ? *outSize : 0;
-    KRYOutput const output = cleared(outData, outSize);
+    std::uint32_t const wanted = outSize && *outSize != 0 ? *outSize : KRYFileCipher::s_segmentSize;
+    clear(outData, outSize);
     return inSession(session,
                      [&](KRYSession& open)
                      {
                          if (data || size != 0)
                              throw KRYError(KRY_ERROR_ARGUMENT, "a file is read without data coming in");
-                         open.unprotect(wanted, output);
+                         KRYFileReader& reader = open.getReader();
+                         std::string_view const bytes = reader.peek().substr(0, wanted);
+                         give(outData, outSize, bytes);
+                         reader.advance(bytes.size());
                      });
 }
 
@@ -160,9 +207,13 @@ std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
                    {
                        requireArgument(details);
                        KRYInterface& interface = KRYInterface::getInstance();
-                       if (!session)
-                           return giveText(details, interface.getStartFailure());
-                       KRYRegistry::Access const open(interface.getSessions(), session);
-                       giveText(details, open->getLastFailure().getText());
+                       std::exception_ptr failure;
+                       if (session)
+                           interface.getSessions().with(
+                               session, [&](KRYSession& open) { failure = open.getLastFailure(); });
+                       else
+                           failure = interface.getStartFailure();
+                       if (failure)
+                           tell(failure, details);
                    });
 }

@@ -6,7 +6,7 @@
 #include <openssl/rand.h>
 #include <openssl/sha.h>
 
-#include "KRY_Crypto_Interface/KRYSegmentCipher.h"
+#include "KRY_Crypto_Interface/KRYFileCipher.h"
 #include "platform/KRYStarted.h"
 #include "support/Rows.h"
 #include "support/TemporaryFolder.h"
@@ -110,5 +110,5 @@ INSTANTIATE_TEST_SUITE_P(Vectors, KRYSealedFile, testing::ValuesIn(s_files), Row
 
 TEST(KRYNonce, HoldsTheWholeNumber)
 {
-    EXPECT_EQ("000000010203040506070801", hex(KRYSegmentCipher::makeNonce(0x0102030405060708, true)));
+    EXPECT_EQ("000000010203040506070801", hex(KRYFileCipher::makeNonce(0x0102030405060708, true)));
 }
