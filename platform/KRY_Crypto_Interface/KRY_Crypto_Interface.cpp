@@ -169,7 +169,8 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
 std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
                                std::uint32_t* outSize, void*)
 {
-    std::uint32_t const wanted = outSize && *outSize != 0 ? *outSize : KRYFileCipher::s_segmentSize;
+    std::uint32_t const wanted =
+        outSize && *outSize != 0 ? *outSize : std::uint32_t{KRYFileCipher::s_segmentSize};
     clear(outData, outSize);
     return inSession(session,
                      [&](KRYSession& open)

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <ostream>
 #include <utility>
+
+#include <utf8.h>
 
 #include "NEBCore/NEBDowncastSize.h"
 #include "NEBCore/NEBException.h"
@@ -13,14 +16,9 @@ namespace
 {
 char16_t constexpr s_escapeBase = 0xDC00;  // plus a byte from 0x80 up
 
-bool isHighSurrogate(char16_t unit)
+bool isPair(std::u16string const& units, std::size_t at)
 {
-    return (unit & 0xFC00) == 0xD800;
-}
-
-bool isLowSurrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xDC00;
+    return at + 1 < units.size() && (units[at] & 0xFC00) == 0xD800 && (units[at + 1] & 0xFC00) == 0xDC00;
 }
 
 bool isEscapedByte(char16_t unit)
@@ -28,63 +26,22 @@ bool isEscapedByte(char16_t unit)
     return unit >= s_escapeBase + 0x80 && unit <= s_escapeBase + 0xFF;
 }
 
-// Returns the length of the sequence of more than one byte at text and writes its code point; returns 0 if it
-// is not well-formed (the Unicode Standard, table 3-7).
-std::size_t decodeSequence(unsigned char const* text, unsigned char const* end, char32_t& point)
-{
-    std::size_t const length = *text < 0xE0 ? 2 : *text < 0xF0 ? 3 : 4;
-    if (*text < 0xC2 || *text > 0xF4 || static_cast<std::size_t>(end - text) < length)
-        return 0;
-    point = *text & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i)
-    {
-        if ((text[i] & 0xC0) != 0x80)
-            return 0;
-        point = point << 6 | (text[i] & 0x3Fu);
-    }
-    char32_t constexpr least[] = {0x80, 0x800, 0x10000};
-    bool const isSurrogate = (point & ~0x7FFu) == 0xD800;
-    return point < least[length - 2] || point > 0x10FFFF || isSurrogate ? 0 : length;
-}
-
 std::u16string decodeUtf8(char const* text, std::size_t size)
 {
-    auto const* const begin = reinterpret_cast<unsigned char const*>(text);
-    auto const* const end = begin + size;
+    char const* const end = text + size;
     // Most texts are ASCII, which is converted at once in half the time.
-    auto const* byte = std::find_if(begin, end, [](unsigned char each) { return each >= 0x80; });
-    std::u16string units(begin, byte);
+    char const* valid = std::find_if(text, end, [](unsigned char byte) { return byte >= 0x80; });
+    std::u16string units(text, valid);
     units.reserve(size);
-    while (byte != end)
+    while (valid != end)
     {
-        char32_t point = 0;
-        if (*byte < 0x80)
-            units += static_cast<char16_t>(*byte++);
-        else if (std::size_t const length = decodeSequence(byte, end, point))
-        {
-            byte += length;
-            if (point > 0xFFFF)
-                units += {static_cast<char16_t>(0xD7C0 + (point >> 10)),
-                          static_cast<char16_t>(0xDC00 | (point & 0x3FF))};
-            else
-                units += static_cast<char16_t>(point);
-        }
-        else
-            units += static_cast<char16_t>(s_escapeBase + *byte++);
+        char const* const invalid = utf8::find_invalid(valid, end);
+        utf8::unchecked::utf8to16(valid, invalid, std::back_inserter(units));
+        valid = invalid;
+        if (valid != end)
+            units += static_cast<char16_t>(s_escapeBase + static_cast<unsigned char>(*valid++));
     }
     return units;
-}
-
-void appendUtf8(std::string& text, char32_t point)
-{
-    auto const put = [&text](char32_t byte) { text += static_cast<char>(byte); };
-    if (point < 0x80)
-        return put(point);
-    char32_t constexpr leads[] = {0, 0xC0, 0xE0, 0xF0};
-    int const tails = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    put(leads[tails] | point >> 6 * tails);
-    for (int shift = 6 * (tails - 1); shift >= 0; shift -= 6)
-        put(0x80 | (point >> shift & 0x3F));
 }
 
 std::string encodeUtf8(std::u16string const& units)
@@ -96,12 +53,13 @@ std::string encodeUtf8(std::u16string const& units)
     for (std::size_t i = text.size(); i < units.size(); ++i)
     {
         char16_t const unit = units[i];
-        if (isHighSurrogate(unit) && i + 1 < units.size() && isLowSurrogate(units[i + 1]))
-            appendUtf8(text, 0x10000u + ((unit & 0x3FFu) << 10) + (units[++i] & 0x3FFu));
+        auto const end = std::back_inserter(text);
+        if (isPair(units, i))
+            utf8::unchecked::append(0x10000u + ((unit & 0x3FFu) << 10) + (units[++i] & 0x3FFu), end);
         else if (isEscapedByte(unit))
             text += static_cast<char>(unit - s_escapeBase);
         else
-            appendUtf8(text, unit);
+            utf8::unchecked::append(unit, end);
     }
     return text;
 }
@@ -219,9 +177,7 @@ std::int32_t I18NString::incrementOffset(std::int32_t offset) const
     std::size_t const from = clamp(offset);
     if (from >= m_units.size())
         return toOffset(from);
-    bool const isPair =
-        isHighSurrogate(m_units[from]) && from + 1 < m_units.size() && isLowSurrogate(m_units[from + 1]);
-    return toOffset(from + (isPair ? 2 : 1));
+    return toOffset(from + (isPair(m_units, from) ? 2 : 1));
 }
 
 void I18NString::append(char16_t unit, std::int32_t count)

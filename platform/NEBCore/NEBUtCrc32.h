@@ -12,7 +12,6 @@
 #ifndef NEBCORE_NEBUTCRC32_H
 #define NEBCORE_NEBUTCRC32_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,29 +22,7 @@ class NEBCORE_API NEBUtCrc32
 public:
     // Over the bytes up to the terminator.
     static std::uint32_t crc32(char const* text, std::uint32_t seed);
-    static std::uint32_t crc32(std::uint32_t seed, void const* bytes, std::size_t size)
-    {
-        // Inline, because the call alone would cost as much as a few bytes do.
-        if (size >= s_longSize)
-            return crc32Long(seed, bytes, size);
-        auto const* byte = static_cast<unsigned char const*>(bytes);
-        for (std::size_t i = 0; i < size; ++i)
-            seed = crc32Byte(seed, byte[i]);
-        return seed;
-    }
-
-private:
-    static std::size_t constexpr s_longSize = 8;  // from here on libdeflate is faster than the table
-
-    static std::uint32_t crc32Byte(std::uint32_t seed, unsigned char byte)
-    {
-        // ~(table[(~seed ^ byte) & 0xFF] ^ ~seed >> 8), with the complements off the path from byte to byte.
-        unsigned const inverted = ~static_cast<unsigned>(byte);
-        return s_table[(seed ^ inverted) & 0xFF] ^ (seed >> 8 | 0xFF000000u);
-    }
-    static std::uint32_t crc32Long(std::uint32_t seed, void const* bytes, std::size_t size);
-
-    static std::array<std::uint32_t, 256> const s_table;
+    static std::uint32_t crc32(std::uint32_t seed, void const* bytes, std::size_t size);
 };
 
 #endif
