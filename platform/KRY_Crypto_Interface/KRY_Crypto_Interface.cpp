@@ -56,7 +56,7 @@ std::int32_t guarded(char** details, Work work) noexcept
 
 // Runs work on a session, which keeps what it raises.
 template <class Work>
-std::int32_t inSession(void* token, Work work) noexcept
+std::int32_t inSession(void* token, Work work)
 {
     auto const keepingFailure = [&](KRYSession& session)
     { keepFailure(session.getLastFailure(), [&] { work(session); }); };
