@@ -1,6 +1,6 @@
 // Runs the benchmarks with the library started.
 //
-// Names are ROAD/WHO/arguments, where WHO is "ours", "peer-..." for another library or program, or
+// Names are CASE/WHO/arguments, where WHO is "ours", "peer-..." for another library or program, or
 // "limit-..." for what the wanted behaviour can't do without. scripts/bench makes ratios of them.
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
-// Packing and unpacking a tree of files, in a process of its own each time: how the heap stands decides half
-// of what small files cost.
+// Packing and unpacking a tree of files, in a process of its own each time: the state of the heap decides
+// half of what small files cost.
 
 #include <filesystem>
 #include <string>

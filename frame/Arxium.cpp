@@ -32,7 +32,7 @@ bool initCrypto()
     return exchangeWithCrypto(KRY_CryptoInitialize, s_initializeDocument);
 }
 
-// No caller could act on a failed stop, so the library goes down in any case.
+// No caller could act on a failed stop, so the library stops in any case.
 void terminateCrypto()
 {
     try

@@ -24,7 +24,7 @@ bool takeBack(std::string& text, std::string const& back)
     return isThere;
 }
 
-// Leaves what stands between the tags of root.
+// Leaves the text between the tags of root.
 bool takeRoot(std::string& text, std::string const& root)
 {
     takeFront(text, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>");

@@ -1,5 +1,5 @@
-// Whatever the archive, nothing appears outside the folder that it is extracted to, and nothing leaves but
-// the documented exceptions: none here, where folders and memory are to be had.
+// Whatever the archive, nothing appears outside the folder that it is extracted to, and no exception
+// is raised: the documented ones need a folder or memory that is missing.
 
 #include <filesystem>
 #include <fstream>

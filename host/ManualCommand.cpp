@@ -6,7 +6,7 @@
 
 namespace
 {
-// Text as it stands on a page: "\" and "-" have meanings of their own, and so has a "." that begins a line.
+// Escapes text for a page: "\" and "-" have meanings of their own, and so has a "." that begins a line.
 std::string roff(std::string const& text)
 {
     std::string escaped = "\\&";

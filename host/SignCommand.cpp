@@ -33,7 +33,7 @@ void printText(std::vector<std::string> const& wrong)
     for (std::string const& reason : wrong)
         std::cout << "wrong: " << reason << '\n';
     if (wrong.empty())
-        std::cout << "right (what stands before the query is not signed)\n";
+        std::cout << "right (the text before the query is not signed)\n";
 }
 
 void printJson(std::string const& url, std::vector<std::string> const& wrong)

@@ -11,7 +11,7 @@
 std::string signFile(std::string const& file, std::string const& session, bool dispatcher);
 
 // The values of url that differ from what the library makes for the file named in it and that session, in
-// words; none if the URL is right. What stands before the query is not signed. It may be a base path from the
+// words; none if the URL is right. The text before the query is not signed. It may be a base path from the
 // settings, or any text without "?" and "#".
 std::vector<std::string> findWrongValues(std::string const& url, std::string const& session);
 

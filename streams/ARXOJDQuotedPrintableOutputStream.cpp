@@ -14,7 +14,7 @@ char constexpr s_lineEnd[] = {'\r', '\n'};
 
 std::uint8_t constexpr s_lineEndSize = 0;
 
-// What stands for a byte in the text.
+// The encoded form of a byte.
 struct Form
 {
     char m_text[s_encodedSize];

@@ -40,7 +40,7 @@ struct Part
     std::uint64_t m_length;
 };
 
-// What a range takes of size bytes: nothing if it lies beyond them. An end that is left out is negative.
+// What a range takes of size bytes: nothing if it begins after them. An end that is left out is negative.
 Part resolve(httplib::Range const& range, std::uint64_t size)
 {
     auto const last = static_cast<std::uint64_t>(range.second);

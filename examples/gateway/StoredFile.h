@@ -21,7 +21,7 @@
 // decoder takes for a path.
 bool isServableName(std::string const& name);
 
-// Opens what lies directly in folder and has that name. The result is closed if there is no such file, or if
+// Opens the file of that name directly in folder. The result is closed if there is no such file, or if
 // it is a symbolic link.
 OsFile openBelow(OsFile const& folder, std::string const& name, int flags);
 

@@ -38,7 +38,7 @@ std::string_view withoutDeclaration(char const* text)
     return rest;
 }
 
-// What stands between front and back, or nothing if text has another form.
+// The text between front and back, or nothing if text has another form.
 std::string_view between(std::string_view text, std::string_view front, std::string_view back)
 {
     return takeFront(text, front) && takeBack(text, back) ? text : std::string_view();

@@ -13,7 +13,7 @@ char const s_stopCrypto[] =
     R"(KRY_CryptoTerminate <?xml version="1.0" encoding="UTF-8" standalone="yes"?><terminateDocument><serviceID>Arxium</serviceID></terminateDocument>)";
 Lines const s_start{"I18NInitialize", s_startCrypto}, s_stop{s_stopCrypto, "I18NTerminate"};
 
-// Whether handles can be had, which the library's own maker of handles decides.
+// Whether handles can be made, which the library's own maker of handles decides.
 bool isServing()
 {
     return raisedBy([] { ARXKRYHandleFactory::destroyHandle(nullptr); }).empty();

@@ -1,4 +1,4 @@
-"""What an operator sees of arxhost: exit codes, output, errors, and what lies on the disk afterwards."""
+"""What an operator sees of arxhost: exit codes, output, errors, and what is on the disk afterwards."""
 
 import base64
 import json
@@ -208,7 +208,7 @@ ROWS = [
 
 
 class Scene(unittest.TestCase):
-    """A fresh current folder for each test, where the key lies too."""
+    """A fresh current folder for each test, with the key in it."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix='arxhost test ')

@@ -206,7 +206,7 @@ TEST_F(ARXZipFileTest, RefusesAPieceThatTakesTheEntryPast4GiB)
     EXPECT_EQ(s_notWritten + " x1", failureOf([&] { m_archive.writeInFileInZip(&byte, 0xFFFFFFFE); }));
 }
 
-// A sparse file stands for an archive that has grown.
+// A sparse file plays an archive that has grown.
 TEST_F(ARXZipFileTest, RefusesWhatTakesTheArchivePast4GiB)
 {
     m_archive.create("out.zip");
