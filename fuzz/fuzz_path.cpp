@@ -1,6 +1,6 @@
 // A path either has no canonical form (empty, or above its root) or the one that the model gives, and that is
 // a form for good: normalising it again changes nothing, unless a name that looks like a drive prefix has
-// come to stand first. A tail is the end of its path, comparison does not depend on the order, and "absolute"
+// become the first. A tail is the end of its path, comparison does not depend on the order, and "absolute"
 // agrees between a path, its canonical form and what getAbsolutePath makes of it.
 
 #include "NEBCore/NEBAssertError.h"

@@ -48,7 +48,7 @@ std::string countOf(std::uint64_t part, std::uint64_t whole)
 // The central directory, as the end of the archive describes it.
 struct Directory
 {
-    std::uint64_t m_count;  // of entries; 65535 may stand for more
+    std::uint64_t m_count;  // of entries; 65535 may mean more
     std::uint64_t m_size;
     std::uint64_t m_end;  // its position
 };

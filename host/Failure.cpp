@@ -58,7 +58,7 @@ void setCommandName(std::string const& name)
 void printError(std::string const& text)
 {
     if (isatty(STDERR_FILENO) == 1)
-        std::cerr << "\r\033[K";  // a line of progress may stand there
+        std::cerr << "\r\033[K";  // a line of progress may be there
     std::cerr << linePrefix() << printable(text) << '\n';
 }
 

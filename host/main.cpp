@@ -38,7 +38,7 @@ void addCommands(CLI::App& app, Action& chosen)
 
 void addOptions(CLI::App& app, GlobalOptions& options)
 {
-    app.fallthrough();  // they may stand after the command too
+    app.fallthrough();  // they may follow the command too
     app.footer(s_exitCodes);
     app.set_version_flag("--version", ARXHOST_VERSION, "Print the version and exit");
     app.add_option("--config", options.m_config, "File of settings, a line key=value each");

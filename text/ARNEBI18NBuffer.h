@@ -1,10 +1,10 @@
 // UTF-16 text with its terminator as one block of bytes, for comparing, appending, checksums and use as
 // memory.
 //
-// Texts of up to 15 code units lie inside the object; a longer one owns a heap block of exactly its size.
-// Sizes are bytes with the two-byte terminator, unless stated otherwise. Code units are in the machine's byte
-// order, and surrogates get no special treatment. The empty buffer differs from one that holds only a
-// terminator, as after truncate(0): they are not equal, and only the first is empty().
+// Texts of up to 15 code units are stored inside the object; a longer one owns a heap block of exactly its
+// size. Sizes are bytes with the two-byte terminator, unless stated otherwise. Code units are in the
+// machine's byte order, and surrogates get no special treatment. The empty buffer differs from one that holds
+// only a terminator, as after truncate(0): they are not equal, and only the first is empty().
 //
 // An object serves one thread at a time, constant operations included: checksums are kept when first
 // computed. Without memory NEBOutOfMemoryError is raised, and the buffer is then empty and usable.

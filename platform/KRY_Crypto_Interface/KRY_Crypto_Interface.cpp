@@ -98,7 +98,7 @@ char* copied(std::string_view bytes)
     return copy;
 }
 
-// Both stand at 0 before.
+// The caller has set both to 0.
 void give(char** data, std::uint32_t* size, std::string_view bytes)
 {
     requireArgument(data);

@@ -26,7 +26,7 @@ NEBCORE_API std::size_t NEBWeb64EncodedSize(std::size_t size, int);
 // Writes the text of size bytes at data, and its terminator, to target, which the caller allocates. The last
 // argument is reserved and 0.
 NEBCORE_API void NEBWeb64Encode(void const* data, std::size_t size, char* target, int);
-// Replaces data by the bytes that length characters stand for. Returns false, and leaves data empty, for
+// Replaces data by the bytes that length characters encode. Returns false, and leaves data empty, for
 // anything that NEBWeb64Encode does not write: each row of bytes has one text.
 NEBCORE_API bool NEBWeb64Decode(char const* text, std::size_t length, std::string& data);
 

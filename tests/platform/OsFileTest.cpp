@@ -19,7 +19,7 @@
 
 namespace
 {
-// The system calls below stand before those of the C library and are recorded. One of them fails: the
+// The system calls below replace those of the C library and are recorded. One of them fails: the
 // m_failing-th of the name m_name.
 struct Calls
 {
