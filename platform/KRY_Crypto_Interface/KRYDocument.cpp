@@ -1,7 +1,6 @@
 #include "KRY_Crypto_Interface/KRYDocument.h"
 
 #include <charconv>
-#include <string>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 
@@ -61,15 +60,12 @@ void takeOffset(std::string_view& text, std::uint64_t& offset)
 }
 }  // namespace
 
-std::string_view KRYDocument::readServiceID(char const* text, std::string_view root)
+std::string_view KRYDocument::readServiceID(char const* text, std::string const& root)
 {
-    std::string_view id = withoutDeclaration(text);
-    bool const fits = takeFront(id, "<") && takeFront(id, root) && takeFront(id, "><serviceID>") &&
-                      takeBack(id, ">") && takeBack(id, root) && takeBack(id, "</serviceID></");
-    if (!fits || id.find_first_of("<>&") != std::string_view::npos)
-        refuse("it is not " + std::string(root) + " around one plain serviceID");
-    if (id.empty() || id.size() > s_serviceIDLimit)
-        refuse("its service id does not have 1 to 255 bytes");
+    std::string_view const id =
+        between(withoutDeclaration(text), "<" + root + "><serviceID>", "</serviceID></" + root + ">");
+    if (id.empty() || id.size() > s_serviceIDLimit || id.find_first_of("<>&") != std::string_view::npos)
+        refuse("it is not " + root + " around a plain serviceID of 1 to 255 bytes");
     return id;
 }
 

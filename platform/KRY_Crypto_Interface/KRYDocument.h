@@ -8,6 +8,7 @@
 #define KRY_CRYPTO_INTERFACE_KRYDOCUMENT_H
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 enum class KRYAction
@@ -28,8 +29,8 @@ struct KRYSetUp
 class KRYDocument
 {
 public:
-    // text may be null, which is refused. Both allocate nothing unless they raise, and return parts of text.
-    static std::string_view readServiceID(char const* text, std::string_view root);
+    // text may be null, which is refused. Both return parts of text.
+    static std::string_view readServiceID(char const* text, std::string const& root);
     static KRYSetUp readSetUp(char const* text);
 };
 

@@ -12,7 +12,6 @@
 #include "KRY_Crypto_Interface/KRYError.h"
 #include "NEBCFGAPI/NEBConfigurationFactory.h"
 #include "os/OsFile.h"
-#include "os/OsInterrupted.h"
 #include "os/OsPlacedFile.h"
 
 namespace
@@ -48,18 +47,17 @@ std::string defaultFolder()
 
 void makeFolder(std::string const& path)
 {
-    auto const make = [&] { return retryInterrupted([&] { return ::mkdir(path.c_str(), 0700); }); };
     std::string const parent = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
-    int result = make();
-    if (result == -1 && errno == ENOENT && parent.size() > 1)
-    {
+    if (::access(parent.c_str(), F_OK) != 0)
         makeFolder(parent);
-        result = make();
-    }
-    if (result == -1 && errno != EEXIST)
+    if (::mkdir(path.c_str(), 0700) != 0)
+    {
+        if (errno == EEXIST)
+            return;
         raiseSystemError(KRY_ERROR_KEY, "folder " + path + " of the key file can't be made");
+    }
     OsFile folder;
-    if (result == 0 && !(folder.open(parent.c_str(), OsFile::s_read | OsFile::s_directory) && folder.sync()))
+    if (!folder.open(parent.c_str(), OsFile::s_read | OsFile::s_directory) || !folder.sync())
         raiseSystemError(KRY_ERROR_FILE, "folder " + parent + " can't be synchronised with the disk");
 }
 

@@ -51,8 +51,8 @@ bool readEntryType(int directory, dirent const& entry, mode_t& type)
 
 bool listEntries(DIR* directory, std::vector<std::string>& files, std::vector<std::string>& dirs)
 {
-    errno = 0;  // the only way to tell the end from a failure
-    while (dirent const* entry = readdir(directory))
+    // Only errno tells the end from a failure.
+    for (errno = 0; dirent const* entry = readdir(directory); errno = 0)
     {
         std::string const name = entry->d_name;
         mode_t type = 0;
@@ -62,7 +62,6 @@ bool listEntries(DIR* directory, std::vector<std::string>& files, std::vector<st
             files.push_back(name);
         else if (type == S_IFDIR && name != "." && name != "..")
             dirs.push_back(name);
-        errno = 0;
     }
     return errno == 0;
 }

@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include "os/OsFileName.h"
-#include "os/OsInterrupted.h"
 
 namespace
 {
@@ -92,9 +91,7 @@ bool OsPlacedFile::offer()
     if (!complete())
         return false;
     int const directory = m_directory.getDescriptor();
-    auto const link = [&]
-    { return ::linkat(directory, m_temporaryName.c_str(), directory, m_name.c_str(), 0); };
-    if (retryInterrupted(link) != 0 && errno != EEXIST)
+    if (::linkat(directory, m_temporaryName.c_str(), directory, m_name.c_str(), 0) != 0 && errno != EEXIST)
         return fail("can't take its name");
     return remove() ? syncDirectory() : fail("keeps a second name, which can't be removed");
 }
@@ -140,9 +137,7 @@ bool OsPlacedFile::complete()
 bool OsPlacedFile::takeName()
 {
     int const directory = m_directory.getDescriptor();
-    auto const rename = [&]
-    { return ::renameat(directory, m_temporaryName.c_str(), directory, m_name.c_str()); };
-    if (retryInterrupted(rename) != 0)
+    if (::renameat(directory, m_temporaryName.c_str(), directory, m_name.c_str()) != 0)
         return fail("can't take its name");
     m_temporaryName.clear();
     return true;
@@ -150,8 +145,7 @@ bool OsPlacedFile::takeName()
 
 bool OsPlacedFile::remove()
 {
-    auto const unlink = [&] { return ::unlinkat(m_directory.getDescriptor(), m_temporaryName.c_str(), 0); };
-    if (!m_temporaryName.empty() && retryInterrupted(unlink) != 0)
+    if (!m_temporaryName.empty() && ::unlinkat(m_directory.getDescriptor(), m_temporaryName.c_str(), 0) != 0)
         return false;
     m_temporaryName.clear();
     return true;
