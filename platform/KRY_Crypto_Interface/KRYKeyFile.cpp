@@ -26,23 +26,17 @@ std::string configuredPath()
     return configuration.getConfigurationValue(I18NString("cryptoKeyFile"), 0).c_str();
 }
 
-// The value of an environment variable that names a folder; relative ones do not count.
-std::string folderFrom(char const* variable)
-{
-    char const* const value = std::getenv(variable);
-    return value && *value == '/' ? value : "";
-}
-
 std::string defaultFolder()
 {
-    std::string const state = folderFrom("XDG_STATE_HOME");
-    if (!state.empty())
-        return state + "/arxium";
-    std::string const home = folderFrom("HOME");
-    if (home.empty())
-        throw KRYError(KRY_ERROR_KEY,
-                       "no place for the key file: none of cryptoKeyFile, XDG_STATE_HOME and HOME is set");
-    return home + "/.local/state/arxium";
+    char const* const places[][2] = {{"XDG_STATE_HOME", "/arxium"}, {"HOME", "/.local/state/arxium"}};
+    for (auto const& [variable, folder] : places)
+    {
+        char const* const value = std::getenv(variable);
+        if (value && *value == '/')  // relative folders do not count
+            return std::string(value) + folder;
+    }
+    throw KRYError(KRY_ERROR_KEY,
+                   "no place for the key file: none of cryptoKeyFile, XDG_STATE_HOME and HOME is set");
 }
 
 void makeFolder(std::string const& path)

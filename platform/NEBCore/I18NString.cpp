@@ -159,17 +159,13 @@ std::int32_t I18NString::rfind(char16_t unit, std::int32_t start) const
 
 I18NString I18NString::substr(std::int32_t start, std::int32_t count) const
 {
-    I18NString result;
-    result.m_units = m_units.substr(clamp(start), static_cast<std::size_t>(count));  // -1 becomes npos
-    return result;
+    return I18NString(m_units.substr(clamp(start), static_cast<std::size_t>(count)));  // -1 becomes npos
 }
 
 I18NString I18NString::substring(std::int32_t start, std::int32_t end) const
 {
     std::size_t const from = clamp(start);
-    I18NString result;
-    result.m_units = m_units.substr(from, std::max(clamp(end), from) - from);
-    return result;
+    return I18NString(m_units.substr(from, std::max(clamp(end), from) - from));
 }
 
 std::int32_t I18NString::incrementOffset(std::int32_t offset) const

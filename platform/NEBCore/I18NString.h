@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 #include "NEBCore/NEBCoreExport.h"
 
@@ -77,6 +78,7 @@ public:
     bool operator<(I18NString const& other) const { return m_units < other.m_units; }
 
 private:
+    explicit I18NString(std::u16string units) : m_units(std::move(units)) {}
     void changed();
     std::size_t clamp(std::int32_t offset) const;
 

@@ -16,8 +16,7 @@ std::size_t constexpr s_bufferSize = 16384;
 }
 }  // namespace
 
-OJDFileOutputStream::OJDFileOutputStream(char const* filename, int)
-    : m_name(filename ? filename : ""), m_buffer(s_bufferSize, s_bufferSize)
+OJDFileOutputStream::OJDFileOutputStream(char const* filename, int) : m_name(filename ? filename : "")
 {
     if (!filename)
         return;
@@ -43,23 +42,20 @@ void OJDFileOutputStream::write(char const* data, std::size_t size)
     if (!m_file.isOpen())
         refuse(NEB_HERE, m_name, "no file is open", "OJDFileOutputStream::write");
     // A large piece goes to the system without a copy.
-    if (size > s_bufferSize - m_buffer.pcount())
+    if (size > s_bufferSize - m_buffer.size())
         OJDFileOutputStream::flush();
 
     if (size < s_bufferSize)
-        m_buffer.appendChars(data, size);
+        m_buffer.append(data, size);
     else if (m_file.write(data, size) != size)
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::write");
 }
 
 void OJDFileOutputStream::flush()
 {
-    std::size_t const size = m_buffer.pcount();
-    std::size_t const sent = m_file.write(m_buffer.str(), size);
-    if (sent != size)
-        std::memmove(m_buffer.str(), m_buffer.str() + sent, size - sent);
-    m_buffer.setLength(size - sent);
-    if (sent != size)
+    std::size_t const sent = m_file.write(m_buffer.data(), m_buffer.size());
+    m_buffer.erase(0, sent);
+    if (!m_buffer.empty())
         refuse(NEB_HERE, m_name, std::strerror(errno), "OJDFileOutputStream::flush");
 }
 
@@ -67,9 +63,9 @@ void OJDFileOutputStream::close()
 {
     if (!m_file.isOpen())
         return;
-    bool const isSent = m_file.write(m_buffer.str(), m_buffer.pcount()) == m_buffer.pcount();
+    bool const isSent = m_file.write(m_buffer.data(), m_buffer.size()) == m_buffer.size();
     int const reason = errno;
-    m_buffer.reset();
+    m_buffer.clear();
     if (!m_file.close() || !isSent)
         refuse(NEB_HERE, m_name, std::strerror(isSent ? errno : reason), "OJDFileOutputStream::close");
 }

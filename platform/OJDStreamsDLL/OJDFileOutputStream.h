@@ -13,7 +13,6 @@
 
 #include <string>
 
-#include "NEBCore/NEBByteBuffer.h"
 #include "OJDStreamsDLL/OJDOutputStream.h"
 #include "os/OsFile.h"
 
@@ -21,8 +20,7 @@ class __attribute__((visibility("default"))) OJDFileOutputStream : public OJDOut
 {
 public:
     // Creates or truncates the file, with mode 0666 less the umask. filename is the system's own name; null
-    // opens nothing. The second argument is reserved and 0. Lack of memory raises std::bad_alloc or
-    // NEBOutOfMemoryError.
+    // opens nothing. The second argument is reserved and 0. Lack of memory raises std::bad_alloc.
     OJDFileOutputStream(char const* filename, int);
     // Flushes and closes without reporting failures: call close to learn of them.
     ~OJDFileOutputStream() override;
@@ -41,7 +39,7 @@ public:
 private:
     std::string m_name;
     OsFile m_file;
-    NEBByteBuffer m_buffer;
+    std::string m_buffer;
 };
 
 #endif

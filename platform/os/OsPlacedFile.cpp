@@ -14,19 +14,18 @@
 
 namespace
 {
-// False if the system has no random bytes.
-bool makeRandomName(std::string& name)
+// Empty if the system has no random bytes.
+std::string makeRandomName()
 {
     std::uint64_t number;
     OsFile device;  // for where getrandom is forbidden
     if (::getrandom(&number, sizeof number, 0) != sizeof number &&
         (!device.open("/dev/urandom", OsFile::s_read) ||
          device.read(&number, sizeof number) != sizeof number))
-        return false;
+        return "";
     char text[22];
     std::snprintf(text, sizeof text, ".arx-%016llx", static_cast<unsigned long long>(number));
-    name = text;
-    return true;
+    return text;
 }
 }  // namespace
 
@@ -103,10 +102,10 @@ std::string OsPlacedFile::getFailure() const
 
 bool OsPlacedFile::createTemporary(unsigned mode, bool isExact)
 {
-    std::string name;
+    std::string name = makeRandomName();
     // fchmod only restores what the umask took, so that at no moment more may open the file than in the end.
-    if (!makeRandomName(name) || !m_file.open(m_directory, name.c_str(),
-                                              OsFile::s_write | OsFile::s_create | OsFile::s_exclusive, mode))
+    if (name.empty() || !m_file.open(m_directory, name.c_str(),
+                                     OsFile::s_write | OsFile::s_create | OsFile::s_exclusive, mode))
         return false;
     m_temporaryName = std::move(name);
     return !isExact || m_file.setPermissions(mode);
