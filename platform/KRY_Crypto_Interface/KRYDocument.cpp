@@ -62,10 +62,12 @@ void takeOffset(std::string_view& text, std::uint64_t& offset)
 
 std::string_view KRYDocument::readServiceID(char const* text, std::string const& root)
 {
-    std::string_view const id =
-        between(withoutDeclaration(text), "<" + root + "><serviceID>", "</serviceID></" + root + ">");
-    if (id.empty() || id.size() > s_serviceIDLimit || id.find_first_of("<>&") != std::string_view::npos)
-        refuse("it is not " + root + " around a plain serviceID of 1 to 255 bytes");
+    std::string_view id = withoutDeclaration(text);
+    if (!takeFront(id, "<" + root + "><serviceID>") || !takeBack(id, "</serviceID></" + root + ">") ||
+        id.find_first_of("<>&") != std::string_view::npos)
+        refuse("it is not " + root + " around one plain serviceID");
+    if (id.empty() || id.size() > s_serviceIDLimit)
+        refuse("its service id does not have 1 to 255 bytes");
     return id;
 }
 
