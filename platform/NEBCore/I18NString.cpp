@@ -88,9 +88,8 @@ I18NString::I18NString(std::int32_t size, void*, void*)
 I18NString::I18NString(I18NString const& other) : m_units(other.m_units) {}
 
 I18NString::I18NString(I18NString&& other) noexcept
-    : m_units(std::move(other.m_units)), m_utf8(other.m_utf8.load(std::memory_order_relaxed))
+    : m_units(std::move(other.m_units)), m_utf8(other.m_utf8.exchange(nullptr))
 {
-    other.m_utf8.store(nullptr, std::memory_order_relaxed);
 }
 
 I18NString& I18NString::operator=(I18NString const& other)
@@ -102,9 +101,9 @@ I18NString& I18NString::operator=(I18NString const& other)
 
 I18NString& I18NString::operator=(I18NString&& other) noexcept
 {
-    m_units = std::move(other.m_units);
     changed();
-    other.changed();
+    m_units = std::move(other.m_units);
+    m_utf8 = other.m_utf8.exchange(nullptr);
     return *this;
 }
 
@@ -171,9 +170,7 @@ I18NString I18NString::substring(std::int32_t start, std::int32_t end) const
 std::int32_t I18NString::incrementOffset(std::int32_t offset) const
 {
     std::size_t const from = clamp(offset);
-    if (from >= m_units.size())
-        return toOffset(from);
-    return toOffset(from + (isPair(m_units, from) ? 2 : 1));
+    return toOffset(std::min(from + (isPair(m_units, from) ? 2 : 1), m_units.size()));
 }
 
 void I18NString::append(char16_t unit, std::int32_t count)
@@ -210,16 +207,12 @@ void I18NString::remove()
 
 void I18NString::changed()
 {
-    // No other thread reads a string while it is changed, so that relaxed access, which needs no bus lock,
-    // suffices.
-    delete m_utf8.load(std::memory_order_relaxed);
-    m_utf8.store(nullptr, std::memory_order_relaxed);
+    delete m_utf8.exchange(nullptr);
 }
 
 std::size_t I18NString::clamp(std::int32_t offset) const
 {
-    return offset < 0 || static_cast<std::size_t>(offset) > m_units.size() ? m_units.size()
-                                                                           : static_cast<std::size_t>(offset);
+    return std::min(static_cast<std::size_t>(offset), m_units.size());  // -1 becomes a huge one
 }
 
 std::ostream& operator<<(std::ostream& stream, I18NString const& text)

@@ -83,8 +83,8 @@ private:
     std::size_t clamp(std::int32_t offset) const;
 
     std::u16string m_units;
-    mutable std::atomic<std::string*> m_utf8{
-        nullptr};  // what c_str returned; owned, null before its first call
+    // What c_str returned; owned, null before its first call.
+    mutable std::atomic<std::string*> m_utf8{nullptr};
 };
 
 // Writes the UTF-8 form.

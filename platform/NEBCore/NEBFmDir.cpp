@@ -15,18 +15,6 @@
 
 namespace
 {
-struct CloseDir
-{
-    void operator()(DIR* directory) const { closedir(directory); }
-};
-using DirPtr = std::unique_ptr<DIR, CloseDir>;
-
-bool hasType(std::string const& name, unsigned type)
-{
-    struct stat status;
-    return stat(name.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == (type & S_IFMT);
-}
-
 // Finds the type of an entry: 0 if it, or the target of a link, is gone or can't be reached.
 bool readType(int directory, char const* name, int flags, mode_t& type)
 {
@@ -77,7 +65,9 @@ void giveSorted(std::vector<std::string>& names, std::vector<std::string>* targe
 
 int NEBFmDir::exists(char const* path, int mode)
 {
-    return path && hasType(OsFileName::forReading(path), static_cast<unsigned>(mode));
+    struct stat status;
+    return path && stat(OsFileName::forReading(path).c_str(), &status) == 0 &&
+           (status.st_mode & S_IFMT) == (static_cast<unsigned>(mode) & S_IFMT);
 }
 
 void NEBFmDir::splitPath(std::string const& path, std::string* directory, std::string* file)
@@ -118,7 +108,8 @@ int NEBFmDir::readDir(char const* dirName, std::vector<std::string>* files, void
 {
     std::vector<std::string> fileNames;
     std::vector<std::string> dirNames;
-    DirPtr const directory(dirName ? opendir(OsFileName::forReading(dirName).c_str()) : nullptr);
+    std::unique_ptr<DIR, int (*)(DIR*)> const directory(
+        dirName ? opendir(OsFileName::forReading(dirName).c_str()) : nullptr, closedir);
     bool const isRead = directory && listEntries(directory.get(), fileNames, dirNames);
     if (!isRead)
     {

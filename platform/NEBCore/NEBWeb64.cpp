@@ -1,22 +1,11 @@
 #include "NEBCore/NEBWeb64.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 namespace
 {
 char constexpr s_alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-
-// The four digits of 24 bits.
-char* putGroup(char* target, int bits)
-{
-    target[0] = s_alphabet[bits >> 18];
-    target[1] = s_alphabet[bits >> 12 & 0x3F];
-    target[2] = s_alphabet[bits >> 6 & 0x3F];
-    target[3] = s_alphabet[bits & 0x3F];
-    return target + 4;
-}
 }  // namespace
 
 std::size_t NEBWeb64EncodedSize(std::size_t size, int)
@@ -27,15 +16,17 @@ std::size_t NEBWeb64EncodedSize(std::size_t size, int)
 
 void NEBWeb64Encode(void const* data, std::size_t size, char* target, int)
 {
-    auto const* bytes = static_cast<unsigned char const*>(data);
-    for (; size >= 3; size -= 3, bytes += 3)
-        target = putGroup(target, bytes[0] << 16 | bytes[1] << 8 | bytes[2]);
-    if (size > 0)
+    auto const* const bytes = static_cast<unsigned char const*>(data);
+    std::uint32_t bits = 0;
+    int count = 0;  // of the lowest bits that are not written yet
+    for (std::size_t i = 0; i < size; ++i)
     {
-        char last[4];
-        putGroup(last, bytes[0] << 16 | (size == 2 ? bytes[1] << 8 : 0));
-        target = std::copy_n(last, size + 1, target);
+        bits = bits << 8 | bytes[i];
+        for (count += 8; count >= 6; count -= 6)
+            *target++ = s_alphabet[bits >> (count - 6) & 0x3F];
     }
+    if (count > 0)
+        *target++ = s_alphabet[bits << (6 - count) & 0x3F];
     *target = '\0';
 }
 

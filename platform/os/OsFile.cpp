@@ -6,8 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "os/OsInterrupted.h"
-
 namespace
 {
 int toSystemFlags(unsigned flags)
@@ -24,7 +22,7 @@ int toSystemFlags(unsigned flags)
 
 int openAt(int directory, char const* path, unsigned flags, unsigned mode)
 {
-    return retryInterrupted([&] { return ::openat(directory, path, toSystemFlags(flags), mode); });
+    return static_cast<int>(TEMP_FAILURE_RETRY(::openat(directory, path, toSystemFlags(flags), mode)));
 }
 
 // Reads parts until there are size bytes, or as many as the file has.
@@ -35,7 +33,7 @@ std::int64_t readFully(void* target, std::size_t size, ReadPart const& readPart)
     while (done < size)
     {
         char* const place = static_cast<char*>(target) + done;
-        ssize_t const count = retryInterrupted([&] { return readPart(place, size - done, done); });
+        ssize_t const count = TEMP_FAILURE_RETRY(readPart(place, size - done, done));
         if (count < 0)
             return -1;
         if (count == 0)
@@ -85,7 +83,7 @@ bool OsFile::getStatus(OsFileStatus& status) const noexcept
 
 bool OsFile::setPermissions(unsigned permissions) noexcept
 {
-    return retryInterrupted([&] { return ::fchmod(m_descriptor, permissions); }) == 0;
+    return TEMP_FAILURE_RETRY(::fchmod(m_descriptor, permissions)) == 0;
 }
 
 std::int64_t OsFile::read(void* target, std::size_t size) noexcept
@@ -107,9 +105,8 @@ std::size_t OsFile::write(void const* data, std::size_t size) noexcept
     std::size_t done = 0;
     while (done < size)
     {
-        auto const writeRest = [&]
-        { return ::write(m_descriptor, static_cast<char const*>(data) + done, size - done); };
-        ssize_t const count = retryInterrupted(writeRest);
+        char const* const rest = static_cast<char const*>(data) + done;
+        ssize_t const count = TEMP_FAILURE_RETRY(::write(m_descriptor, rest, size - done));
         if (count == 0)
             errno = EIO;  // the system took nothing and gave no reason
         if (count <= 0)
@@ -121,7 +118,7 @@ std::size_t OsFile::write(void const* data, std::size_t size) noexcept
 
 bool OsFile::sync() noexcept
 {
-    return retryInterrupted([&] { return ::fsync(m_descriptor); }) == 0;
+    return TEMP_FAILURE_RETRY(::fsync(m_descriptor)) == 0;
 }
 
 bool OsFile::close() noexcept

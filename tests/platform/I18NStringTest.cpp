@@ -94,6 +94,15 @@ TEST(I18NString, EachChangeRenewsTheUtf8)
     }
 }
 
+TEST(I18NString, Utf8OutlivesEachMove)
+{
+    I18NString first("abc");
+    char const* const text = first.c_str();
+    I18NString second(std::move(first)), third;
+    third = std::move(second);
+    EXPECT_EQ(text, third.c_str());
+}
+
 TEST(I18NString, AllReadersGetTheSameText)
 {
     for (int round = 0; round < 20; ++round)
