@@ -14,6 +14,7 @@
 #include "NEBCFGAPI/NEBConfigurationStore.h"
 #include "NEBCore/I18NString.h"
 #include "NEBCore/NEBByteBuffer.h"
+#include "crypto/ARXKRYDataPtr.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleI.h"
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
@@ -107,8 +108,7 @@ std::string sign(ARXSimpleKRYHandleI& handle)
     char* digest = nullptr;
     std::size_t size = 0;
     bool const succeeded = handle.protectData("data", 4, &digest, &size, nullptr) >= 0;
-    auto const release = [&](char* memory) { handle.cryptoFree(memory, nullptr); };
-    std::unique_ptr<char, decltype(release)> const owner(digest, release);
+    ARXKRYDataPtr const owner(&handle, digest);
     mustHold(!succeeded || size == 32, "success means a digest");
     return std::string(digest ? digest : "", size);
 }

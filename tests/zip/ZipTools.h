@@ -1,12 +1,10 @@
-// What the zip tests share: whole trees, archives made in code, and failures as text.
+// What the zip tests share: whole trees and archives made in code.
 
 #ifndef ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 #define ARXIUM_TESTS_ZIP_ZIPTOOLS_H
 
 #include <cstdlib>
-#include <functional>
 #include <map>
-#include <memory>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -23,7 +21,6 @@
 using Tree = std::map<std::string, std::string>;
 using Names = std::vector<std::string>;
 using Patches = std::map<std::size_t, std::string>;  // by offset
-using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 // A fresh current folder.
 struct ZipTest : testing::Test
@@ -100,18 +97,6 @@ inline Tree readStream(ARXZipInputStream&& stream)
             bytes.append(buffer, count);
     }
     return tree;
-}
-
-// The message, after its class unless it is an assertion, the operation, and how many places the error
-// passed.
-inline std::string failureOf(std::function<void()> const& call)
-{
-    Lines const lines = raisedBy(call);
-    if (lines.size() < 2)
-        return lines.empty() ? "none" : lines[0];
-    std::string const hidden = "NEBAssertError: ", thrown = "NEB_THROW";
-    return lines[0].substr(lines[0].rfind(hidden, 0) == 0 ? hidden.size() : 0) +
-           lines[1].substr(lines[1].find(thrown) + thrown.size()) + " x" + std::to_string(lines.size() - 1);
 }
 
 #endif
