@@ -1,6 +1,6 @@
 #include "KRY_Crypto_Interface/KRYFileCipher.h"
 
-#include <algorithm>
+#include <string_view>
 
 #include <openssl/rand.h>
 
@@ -8,41 +8,31 @@
 
 namespace
 {
-using Header = KRYFileCipher::Header;
-using KeyID = std::array<unsigned char, 8>;
-
-constexpr std::array<unsigned char, 12> s_fixedPart{'K', 'R', 'Y', 'E', 'N', 'C', 2, 1, 0, 1, 0, 0};
-constexpr std::size_t s_saltOffset = s_fixedPart.size() + sizeof(KeyID);
-constexpr std::size_t s_saltSize = KRYFileCipher::s_headerSize - s_saltOffset;
+constexpr std::string_view s_fixedPart("KRYENC\2\1\0\1\0\0", 12);
+constexpr std::size_t s_keyIDSize = 8;
+constexpr std::size_t s_saltSize = 32;
 
 // Tells master keys apart and says nothing about them.
-KeyID keyIDOf(KRYSecret const& masterKey)
+std::string keyIDOf(KRYSecret const& masterKey)
 {
     KRYSecret const derived(masterKey, "", "KRY key id 2:");
-    KeyID id;
-    std::copy_n(derived.data(), id.size(), id.begin());
-    return id;
+    return std::string(derived.data(), derived.data() + s_keyIDSize);
 }
 
-Header makeHeader(KRYSecret const& masterKey)
+std::string makeHeader(KRYSecret const& masterKey)
 {
-    Header header;
-    KeyID const id = keyIDOf(masterKey);
-    std::copy(id.begin(), id.end(), std::copy(s_fixedPart.begin(), s_fixedPart.end(), header.begin()));
-    requireCrypto(RAND_bytes(&header[s_saltOffset], int{s_saltSize}) == 1, "RAND_bytes");
-    return header;
+    std::array<unsigned char, s_saltSize> salt;
+    requireCrypto(RAND_bytes(salt.data(), int{s_saltSize}) == 1, "RAND_bytes");
+    return std::string(s_fixedPart) + keyIDOf(masterKey) + std::string(salt.begin(), salt.end());
 }
 
-KRYSecret const& masterKeyOf(Header const& header, KRYMasterKeys const& keys)
+KRYSecret const& masterKeyOf(std::string const& header, KRYMasterKeys const& keys)
 {
-    if (!std::equal(s_fixedPart.begin(), s_fixedPart.end(), header.begin()))
+    if (header.compare(0, s_fixedPart.size(), s_fixedPart) != 0)
         throw KRYError(KRY_ERROR_DAMAGED, "the file is not encrypted in a format that is known");
     for (KRYSecret const& key : keys)
-    {
-        KeyID const id = keyIDOf(key);
-        if (std::equal(id.begin(), id.end(), header.begin() + s_fixedPart.size()))
+        if (header.compare(s_fixedPart.size(), s_keyIDSize, keyIDOf(key)) == 0)
             return key;
-    }
     throw KRYError(KRY_ERROR_DAMAGED, "the file was written under a key that the key file does not hold");
 }
 }  // namespace
@@ -52,13 +42,13 @@ KRYFileCipher::KRYFileCipher(KRYMasterKeys const& keys, std::string const& servi
 {
 }
 
-KRYFileCipher::KRYFileCipher(Header const& header, KRYMasterKeys const& keys, std::string const& serviceID)
+KRYFileCipher::KRYFileCipher(std::string const& header, KRYMasterKeys const& keys,
+                             std::string const& serviceID)
     : m_header(header), m_context(EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free)
 {
     requireCrypto(m_context != nullptr, "EVP_CIPHER_CTX_new");
-    std::string const bytes(m_header.begin(), m_header.end());
-    std::string const salt = bytes.substr(s_saltOffset);
-    KRYSecret const key(masterKeyOf(header, keys), salt, "KRY file 2:" + bytes + serviceID);
+    std::string const salt = header.substr(s_headerSize - s_saltSize);
+    KRYSecret const key(masterKeyOf(header, keys), salt, "KRY file 2:" + header + serviceID);
     requireCrypto(EVP_CipherInit_ex(m_context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nullptr, 1) == 1,
                   "EVP_CipherInit_ex");
 }
@@ -89,9 +79,9 @@ bool KRYFileCipher::open(std::uint64_t number, bool last, unsigned char* data, s
 void KRYFileCipher::begin(int encrypt, std::uint64_t number, bool last)
 {
     Nonce const nonce = makeNonce(number, last);
+    auto const* const header = reinterpret_cast<unsigned char const*>(m_header.data());
     int count = 0;
-    requireCrypto(
-        EVP_CipherInit_ex(m_context.get(), nullptr, nullptr, nullptr, nonce.data(), encrypt) == 1 &&
-            EVP_CipherUpdate(m_context.get(), nullptr, &count, m_header.data(), int{s_headerSize}) == 1,
-        "beginning a segment");
+    requireCrypto(EVP_CipherInit_ex(m_context.get(), nullptr, nullptr, nullptr, nonce.data(), encrypt) == 1 &&
+                      EVP_CipherUpdate(m_context.get(), nullptr, &count, header, int{s_headerSize}) == 1,
+                  "beginning a segment");
 }

@@ -22,6 +22,7 @@
 #include <memory>
 #include <string>
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 #include "KRY_Crypto_Interface/KRYSecret.h"
@@ -32,16 +33,15 @@ public:
     static constexpr std::size_t s_headerSize = 52;
     static constexpr std::size_t s_segmentSize = 65536;
     static constexpr std::size_t s_tagSize = 16;
-    using Header = std::array<unsigned char, s_headerSize>;
     using Nonce = std::array<unsigned char, 12>;
 
     // For a new file, with a fresh salt, under the first key.
     KRYFileCipher(KRYMasterKeys const& keys, std::string const& serviceID);
     // For a file that begins with header. Raises KRYError with KRY_ERROR_DAMAGED unless that is ours and made
     // with one of the keys.
-    KRYFileCipher(Header const& header, KRYMasterKeys const& keys, std::string const& serviceID);
+    KRYFileCipher(std::string const& header, KRYMasterKeys const& keys, std::string const& serviceID);
 
-    Header const& getHeader() const { return m_header; }
+    std::string const& getHeader() const { return m_header; }
 
     // Encrypts size bytes in their place and adds the tag after them: s_tagSize bytes more.
     void seal(std::uint64_t number, bool last, unsigned char* data, std::size_t size);
@@ -63,8 +63,14 @@ public:
 private:
     void begin(int encrypt, std::uint64_t number, bool last);
 
-    Header m_header;
+    std::string const m_header;
     std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> m_context;
+};
+
+// Room for a segment and its tag, which is wiped before its memory is given up.
+struct KRYSegment : std::array<unsigned char, KRYFileCipher::s_segmentSize + KRYFileCipher::s_tagSize>
+{
+    ~KRYSegment() { OPENSSL_cleanse(data(), size()); }
 };
 
 #endif

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <openssl/crypto.h>
-
 #include "KRY_Crypto_Interface/KRYError.h"
 #include "os/OsFileName.h"
 
@@ -23,26 +21,17 @@ KRYFileReader::KRYFileReader(std::string_view path, std::uint64_t offset, KRYMas
       m_lastNumber(m_bodySize == 0 ? 0 : (m_bodySize - 1) / s_sealedSize),
       m_cipher(readHeader(), keys, serviceID),
       m_position(offset),
-      m_segment(std::make_unique<unsigned char[]>(s_sealedSize)),
       m_number(s_none)
 {
     if (offset > m_lastNumber * s_segmentSize && offset > getSize())
-    {
-        OPENSSL_cleanse(m_segment.get(), s_sealedSize);  // no destructor runs
         throw KRYError(KRY_ERROR_ARGUMENT, "reading can't begin after the end of the file");
-    }
-}
-
-KRYFileReader::~KRYFileReader()
-{
-    OPENSSL_cleanse(m_segment.get(), s_sealedSize);
 }
 
 std::string_view KRYFileReader::peek()
 {
     std::uint64_t const number = std::min(m_position / s_segmentSize, m_lastNumber);
     runUntilFailure(m_failure, [&] { load(number); });
-    std::string_view const segment(reinterpret_cast<char const*>(m_segment.get()), m_loaded);
+    std::string_view const segment(reinterpret_cast<char const*>(m_segment.data()), m_loaded);
     return segment.substr(static_cast<std::size_t>(m_position - number * s_segmentSize));
 }
 
@@ -66,14 +55,14 @@ std::uint64_t KRYFileReader::openFile()
     return static_cast<std::uint64_t>(status.m_size) - KRYFileCipher::s_headerSize;
 }
 
-KRYFileCipher::Header KRYFileReader::readHeader() const
+std::string KRYFileReader::readHeader() const
 {
-    KRYFileCipher::Header header;
+    std::string header(KRYFileCipher::s_headerSize, '\0');
     read(0, header.data(), header.size());
     return header;
 }
 
-void KRYFileReader::read(std::uint64_t offset, unsigned char* target, std::size_t size) const
+void KRYFileReader::read(std::uint64_t offset, void* target, std::size_t size) const
 {
     std::int64_t const count = m_file.readAt(offset, target, size);
     if (count < 0)
@@ -93,8 +82,8 @@ void KRYFileReader::load(std::uint64_t number)
     m_number = s_none;
     if (size < s_tagSize)
         throw KRYError(KRY_ERROR_DAMAGED, s_cutOff);
-    read(KRYFileCipher::s_headerSize + start, m_segment.get(), size);
-    if (!m_cipher.open(number, last, m_segment.get(), size - s_tagSize))
+    read(KRYFileCipher::s_headerSize + start, m_segment.data(), size);
+    if (!m_cipher.open(number, last, m_segment.data(), size - s_tagSize))
         throw KRYError(KRY_ERROR_DAMAGED, "the encrypted file is damaged or belongs to another service");
     m_number = number;
     m_loaded = size - s_tagSize;

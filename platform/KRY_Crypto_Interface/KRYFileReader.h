@@ -9,7 +9,6 @@
 
 #include <cstdint>
 #include <exception>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -23,7 +22,6 @@ public:
     // of ours that one of the keys belongs to, and the plain data reaches to offset.
     KRYFileReader(std::string_view path, std::uint64_t offset, KRYMasterKeys const& keys,
                   std::string const& serviceID);
-    ~KRYFileReader();
 
     // The data from the position to the end of its segment: empty only at the end of the file. Valid until
     // the next call of peek or getSize.
@@ -35,8 +33,8 @@ public:
 
 private:
     std::uint64_t openFile();
-    KRYFileCipher::Header readHeader() const;
-    void read(std::uint64_t offset, unsigned char* target, std::size_t size) const;
+    std::string readHeader() const;
+    void read(std::uint64_t offset, void* target, std::size_t size) const;
     void load(std::uint64_t number);
 
     std::string const m_name;
@@ -47,7 +45,7 @@ private:
     std::exception_ptr m_failure;
 
     std::uint64_t m_position;  // in the plain data
-    std::unique_ptr<unsigned char[]> m_segment;
+    KRYSegment m_segment;
     std::uint64_t m_number;    // of the segment in memory
     std::size_t m_loaded = 0;  // its plain bytes
 };

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <openssl/crypto.h>
-
 #include "KRY_Crypto_Interface/KRYError.h"
 
 namespace
@@ -14,16 +12,11 @@ constexpr unsigned s_mode = 0666;  // less the umask
 }  // namespace
 
 KRYFileWriter::KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID)
-    : m_cipher(keys, serviceID), m_segment(std::make_unique<unsigned char[]>(s_segmentSize + s_tagSize))
+    : m_cipher(keys, serviceID)
 {
     require(m_file.create(std::string(target), s_mode));
     require(m_file.write(m_cipher.getHeader().data(), KRYFileCipher::s_headerSize) ==
             KRYFileCipher::s_headerSize);
-}
-
-KRYFileWriter::~KRYFileWriter()
-{
-    OPENSSL_cleanse(m_segment.get(), s_segmentSize);
 }
 
 void KRYFileWriter::append(char const* data, std::size_t size)
@@ -48,7 +41,7 @@ void KRYFileWriter::gather(unsigned char const* data, std::size_t size)
         if (m_filled == s_segmentSize)
             writeSegment(false);
         std::size_t const count = std::min(size, s_segmentSize - m_filled);
-        std::copy_n(data, count, m_segment.get() + m_filled);
+        std::copy_n(data, count, m_segment.begin() + m_filled);
         m_filled += count;
         data += count;
         size -= count;
@@ -57,10 +50,10 @@ void KRYFileWriter::gather(unsigned char const* data, std::size_t size)
 
 void KRYFileWriter::writeSegment(bool last)
 {
-    m_cipher.seal(m_number++, last, m_segment.get(), m_filled);
+    m_cipher.seal(m_number++, last, m_segment.data(), m_filled);
     std::size_t const size = m_filled + s_tagSize;
     m_filled = 0;
-    require(m_file.write(m_segment.get(), size) == size);
+    require(m_file.write(m_segment.data(), size) == size);
 }
 
 void KRYFileWriter::require(bool succeeded) const

@@ -13,7 +13,6 @@
 
 #include <cstdint>
 #include <exception>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,7 +24,6 @@ class KRYFileWriter
 public:
     // The target may exist if it is a regular file; a symbolic link is none. Its directory must be readable.
     KRYFileWriter(std::string_view target, KRYMasterKeys const& keys, std::string const& serviceID);
-    ~KRYFileWriter();
 
     // A failure is final: whatever comes next fails for the same reason.
     void append(char const* data, std::size_t size);
@@ -43,7 +41,7 @@ private:
     std::exception_ptr m_failure;
 
     // A full segment waits here until more data shows that it is not the last.
-    std::unique_ptr<unsigned char[]> m_segment;
+    KRYSegment m_segment;
     std::size_t m_filled = 0;
     std::uint64_t m_number = 0;
 };

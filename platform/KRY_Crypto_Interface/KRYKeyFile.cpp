@@ -20,12 +20,6 @@ constexpr char s_defaultName[] = "master.key";
 constexpr std::int64_t s_keySize = KRYSecret::s_size;
 constexpr std::int64_t s_limit = 64;
 
-std::string configuredPath()
-{
-    INEBConfiguration& configuration = NEBConfigurationFactory::getInstance();
-    return configuration.getConfigurationValue(I18NString("cryptoKeyFile"), 0).c_str();
-}
-
 std::string defaultFolder()
 {
     char const* const places[][2] = {{"XDG_STATE_HOME", "/arxium"}, {"HOME", "/.local/state/arxium"}};
@@ -92,7 +86,8 @@ char const* faultOf(OsFileStatus const& status)
 
 KRYMasterKeys KRYKeyFile::load()
 {
-    std::string path = configuredPath();
+    INEBConfiguration& configuration = NEBConfigurationFactory::getInstance();
+    std::string path = configuration.getConfigurationValue("cryptoKeyFile", nullptr).c_str();
     if (path.empty())
         path = defaultPath();
     std::string const label = "key file " + path;

@@ -2,32 +2,16 @@
 
 #include <utility>
 
-#include "KRY_Crypto_Interface/KRYError.h"
-
-namespace
-{
-[[noreturn]] void refuse()
-{
-    throw KRYError(KRY_ERROR_SESSION, "the session is null, closed or none of this interface");
-}
-}  // namespace
-
 void KRYRegistry::Entry::close()
 {
     std::lock_guard<std::mutex> const guard(m_lock);
     m_session.reset();
 }
 
-KRYSession& KRYRegistry::Entry::getSession() const
-{
-    if (!m_session)
-        refuse();
-    return *m_session;
-}
-
 void* KRYRegistry::add(std::unique_ptr<KRYSession> session)
 {
-    auto entry = std::make_shared<Entry>(std::move(session));
+    auto entry = std::make_shared<Entry>();
+    entry->m_session = std::move(session);
     std::lock_guard<std::mutex> const guard(m_lock);
     std::uintptr_t const token = m_lastToken + 2;
     if (token < m_lastToken)
@@ -56,6 +40,11 @@ void KRYRegistry::closeAll()
     }
     for (auto const& entry : entries)
         entry.second->close();
+}
+
+void KRYRegistry::refuse()
+{
+    throw KRYError(KRY_ERROR_SESSION, "the session is null, closed or none of this interface");
 }
 
 std::shared_ptr<KRYRegistry::Entry> KRYRegistry::find(void* token)

@@ -11,15 +11,13 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYSession.h"
 
 class KRYRegistry
 {
     struct Entry
     {
-        explicit Entry(std::unique_ptr<KRYSession> session) : m_session(std::move(session)) {}
-        // Raises if it is closed.
-        KRYSession& getSession() const;
         // Waits for a call that is in the session.
         void close();
 
@@ -34,18 +32,22 @@ public:
     KRYRegistry& operator=(KRYRegistry const&) = delete;
 
     void* add(std::unique_ptr<KRYSession> session);
-    // This and close raise KRYError with KRY_ERROR_SESSION for what is no token of an open session.
+    // Runs work on the session, which keeps what it raises. This and close raise KRYError with
+    // KRY_ERROR_SESSION for what is no token of an open session.
     template <class Work>
     void with(void* token, Work work)
     {
         std::shared_ptr<Entry> const entry = find(token);
         std::lock_guard<std::mutex> const guard(entry->m_lock);
-        work(entry->getSession());
+        if (!entry->m_session)
+            refuse();
+        keepFailure(entry->m_session->getLastFailure(), [&] { work(*entry->m_session); });
     }
     void close(void* token);
     void closeAll();
 
 private:
+    [[noreturn]] static void refuse();
     std::shared_ptr<Entry> find(void* token);
 
     std::mutex m_lock;  // never taken together with an entry's

@@ -54,13 +54,10 @@ std::int32_t guarded(char** details, Work work) noexcept
     }
 }
 
-// Runs work on a session, which keeps what it raises.
 template <class Work>
 std::int32_t inSession(void* token, Work work)
 {
-    auto const keepingFailure = [&](KRYSession& session)
-    { keepFailure(session.getLastFailure(), [&] { work(session); }); };
-    return guarded(nullptr, [&] { KRYInterface::getInstance().getSessions().with(token, keepingFailure); });
+    return guarded(nullptr, [&] { KRYInterface::getInstance().getSessions().with(token, work); });
 }
 
 // Raises where a pointer that the call can't do without is null.
