@@ -1,10 +1,11 @@
 #include "ArchiveInput.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <tuple>
 #include <vector>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "Failure.h"
 #include "Interrupt.h"
@@ -20,6 +21,9 @@ std::size_t constexpr s_longestComment = 65535;
 std::size_t constexpr s_locatorSize = 20;
 std::size_t constexpr s_zip64RecordSize = 56;
 std::size_t constexpr s_headerSize = 46;  // of an entry in the directory (4.3.12)
+// Methods (4.4.5).
+std::uint32_t constexpr s_stored = 0;
+std::uint32_t constexpr s_deflated = 8;
 // Encrypted, strongly encrypted, masked directory (APPNOTE.TXT, 4.4.4).
 std::uint32_t constexpr s_encryptedFlags = 1u << 0 | 1u << 6 | 1u << 13;
 
@@ -120,20 +124,17 @@ ArchiveInput::~ArchiveInput() = default;
 
 void ArchiveInput::open(std::string const& path)
 {
-    m_file.reset(path == "-" ? stdin : std::fopen(path.c_str(), "rbe"));
-    struct stat status = {};
-    if (m_file && fstat(fileno(m_file.get()), &status) == 0 && S_ISDIR(status.st_mode))
-        errno = EISDIR;
-    stopIfInterrupted();
-    if (!m_file || S_ISDIR(status.st_mode))
-        systemFailed(NEB_HERE, m_name);
-    if (S_ISREG(status.st_mode))
-        return;
-
-    readFile(path, [this](char const* data, std::size_t size) { m_bytes.append(data, size); });
-    m_file.reset(fmemopen(m_bytes.data(), m_bytes.size(), "rb"));
+    struct stat status;
+    bool const isFound = path == "-" ? fstat(STDIN_FILENO, &status) == 0 : stat(path.c_str(), &status) == 0;
+    if (isFound && S_ISREG(status.st_mode))
+        m_file.reset(path == "-" ? stdin : std::fopen(path.c_str(), "rbe"));
+    else  // opened once: the writer of a pipe comes but once
+    {
+        readFile(path, [this](char const* data, std::size_t size) { m_bytes.append(data, size); });
+        m_file.reset(fmemopen(m_bytes.data(), m_bytes.size(), "rb"));
+    }
     if (!m_file)
-        failed(NEB_HERE, m_name, "is no zip archive");
+        systemFailed(NEB_HERE, m_name);
 }
 
 bool ArchiveInput::toNext()
@@ -161,8 +162,12 @@ void ArchiveInput::copyEntry(Entry const& entry, Sink const& sink)
 {
     if ((entry.flag & s_encryptedFlags) != 0)
         failed(NEB_HERE, "is encrypted");
+    if (entry.compressionMethod != s_stored && entry.compressionMethod != s_deflated)
+        failed(NEB_HERE, "is packed by another method than deflate");
+    if (entry.compressedSize == UINT32_MAX || entry.uncompressedSize == UINT32_MAX)
+        failed(NEB_HERE, "has sizes of 64 bits, which are not read");
     if (!m_stream->openCurrentEntry())
-        failed(NEB_HERE, "is damaged, or packed by another method than deflate");
+        failed(NEB_HERE, "is damaged");
 
     std::vector<char> piece(s_pieceSize);
     std::uint64_t size = 0;
@@ -192,7 +197,8 @@ std::uint64_t ArchiveInput::visitEntries(std::function<void(Entry const&)> const
         try
         {
             Entry const entry = readEntry();
-            name = entry.szFileName;
+            if (entry.szFileName[0] != '\0')
+                name = entry.szFileName;
             visit(entry);
         }
         catch (NEBThrowable const& error)
@@ -219,15 +225,34 @@ void ArchiveInput::Close::operator()(std::FILE* file) const
     std::fclose(file);
 }
 
+std::optional<std::tm> dateOf(ArchiveInput::Entry const& entry)
+{
+    auto const bits = [&entry](unsigned first, unsigned mask)
+    { return static_cast<int>(entry.dosDate >> first & mask); };
+    std::tm date{};
+    date.tm_year = bits(25, 0x7F) + 80;
+    date.tm_mon = bits(21, 0xF) - 1;
+    date.tm_mday = bits(16, 0x1F);
+    date.tm_hour = bits(11, 0x1F);
+    date.tm_min = bits(5, 0x3F);
+    date.tm_sec = bits(0, 0x1F) * 2;
+    std::tm normal = date;
+    timegm(&normal);  // carries what is too much for a field into the next
+    auto const fields = [](std::tm const& each)
+    { return std::make_tuple(each.tm_mon, each.tm_mday, each.tm_hour, each.tm_min, each.tm_sec); };
+    return fields(normal) == fields(date) ? std::make_optional(date) : std::nullopt;
+}
+
 std::string relativePath(std::string const& entryName)
 {
+    if (entryName.empty())
+        failed(NEB_HERE, "has no name");
     std::string path;
-    if (!entryName.empty())
-        ARXFmDir::getNormalizedPath("./" + entryName, path);
+    ARXFmDir::getNormalizedPath("./" + entryName, path);
     bool const isOutside = ARXFmDir::isAbsolutePath(entryName.c_str()) ||
                            ARXFmDir::hasDriveLetter(entryName.c_str()) || path == ".." ||
                            path.compare(0, 3, "../") == 0;
-    if (entryName.empty() || isOutside)
-        failed(NEB_HERE, "leads outside the folder");
+    if (isOutside)
+        failed(NEB_HERE, "leads outside the folder, by \"..\", an absolute path or a drive letter");
     return path;
 }

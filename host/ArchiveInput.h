@@ -8,8 +8,10 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "InputFile.h"
@@ -20,7 +22,7 @@ class ArchiveInput
 public:
     using Entry = ARXZipInputStream::zipEntry;
 
-    // A pipe is read into memory first.
+    // What is no regular file, such as a pipe, is read into memory first.
     explicit ArchiveInput(std::string const& path);
     ~ArchiveInput();
 
@@ -59,9 +61,12 @@ private:
     std::unique_ptr<ARXZipInputStream> m_stream;  // null for an archive without entries
 };
 
+// The local time of an entry; nothing where the archive holds no date that exists.
+std::optional<std::tm> dateOf(ArchiveInput::Entry const& entry);
+
 // The path of an entry below the folder that it is extracted to: without "." and "..", "/" as separator.
-// Raises for a name that leads elsewhere: one with a drive letter, an absolute one, or one whose ".." climb
-// out.
+// Raises for an empty name, and for one that leads elsewhere: one with a drive letter, an absolute one, or
+// one whose ".." climb out.
 std::string relativePath(std::string const& entryName);
 
 #endif

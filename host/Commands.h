@@ -25,6 +25,12 @@ std::pair<CLI::App*, Options*> addCommand(CLI::App& app, Action& chosen, char co
     return {command, options.get()};
 }
 
+// For options: an empty value is mostly a variable that a script forgot to set.
+inline std::string refuseEmpty(std::string const& value)
+{
+    return value.empty() ? "must not be empty" : "";
+}
+
 // Each adds its command to app and, when the user calls it, stores in chosen what is to be done.
 void addCatCommand(CLI::App& app, Action& chosen);
 void addCheckCommand(CLI::App& app, Action& chosen);

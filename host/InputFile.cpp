@@ -46,6 +46,7 @@ void readFile(std::string const& path, Sink const& sink)
     ssize_t count = 0;
     while ((count = readPiece()) > 0)
         sink(piece.data(), static_cast<std::size_t>(count));
+    stopIfInterrupted();  // Ctrl-C ends the writer of a pipe too, which looks like the end of its data
     if (count < 0)
         systemFailed(NEB_HERE, name);
 }

@@ -1,4 +1,4 @@
-// SIGINT, SIGTERM and SIGHUP end long work in order: what is not complete is removed on the way out.
+// SIGINT, SIGTERM, SIGHUP and SIGPIPE end long work in order: what is not complete is removed on the way out.
 
 #ifndef ARXHOST_INTERRUPT_H
 #define ARXHOST_INTERRUPT_H
@@ -9,7 +9,7 @@ struct Interrupted
     int m_signal;
 };
 
-// From now on these signals only leave a note.
+// From now on these signals only leave a note, and SIGXFSZ none.
 void watchSignals();
 // For loops that take long.
 void stopIfInterrupted();

@@ -1,5 +1,10 @@
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <iostream>
+#include <optional>
+#include <string>
 
 #include "ArchiveInput.h"
 #include "Commands.h"
@@ -13,36 +18,50 @@ struct ListOptions
     bool m_json = false;
 };
 
-template <class... Values>
-std::string formatted(char const* format, Values... values)
+std::string crcText(ArchiveInput::Entry const& entry)
 {
-    char text[128];
-    std::snprintf(text, sizeof text, format, values...);
+    char text[9];
+    std::snprintf(text, sizeof text, "%08x", entry.crc);
     return text;
 }
 
-std::string dateOf(ArchiveInput::Entry const& entry)
+// The words for a value that the archive doesn't hold: "-" in columns, null in JSON.
+std::string sizeText(std::uint32_t size, char const* nothing)
 {
-    unsigned const date = entry.dosDate >> 16;
-    unsigned const time = entry.dosDate & 0xFFFF;
-    return formatted("%04u-%02u-%02u %02u:%02u:%02u", 1980 + (date >> 9), date >> 5 & 15, date & 31,
-                     time >> 11, time >> 5 & 63, (time & 31) * 2);
+    return size == UINT32_MAX ? nothing : std::to_string(size);  // stored in 64 bits, which are not read
+}
+
+std::string dateText(ArchiveInput::Entry const& entry, char const* nothing, char const* quote)
+{
+    std::optional<std::tm> const date = dateOf(entry);
+    char text[32];
+    return date && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &*date) != 0
+               ? quote + std::string(text) + quote
+               : nothing;
+}
+
+std::string savedText(ArchiveInput::Entry const& entry)
+{
+    if (entry.uncompressedSize == UINT32_MAX || entry.compressedSize == UINT32_MAX)
+        return "-";
+    double const size = entry.uncompressedSize;
+    double const saved = size > 0 ? 100 * (1 - entry.compressedSize / size) : 0;
+    return std::to_string(std::llround(saved)) + '%';
 }
 
 void printColumns(ArchiveInput::Entry const& entry)
 {
-    double const size = entry.uncompressedSize;
-    double const saved = size > 0 ? 100 * (1 - entry.compressedSize / size) : 0;
-    std::cout << printable(entry.szFileName)
-              << formatted("\t%u\t%u\t%.0f%%\t%s\t%08x\n", entry.uncompressedSize, entry.compressedSize,
-                           saved, dateOf(entry).c_str(), entry.crc);
+    std::cout << printable(entry.szFileName) << '\t' << sizeText(entry.uncompressedSize, "-") << '\t'
+              << sizeText(entry.compressedSize, "-") << '\t' << savedText(entry) << '\t'
+              << dateText(entry, "-", "") << '\t' << crcText(entry) << '\n';
 }
 
 void printJson(ArchiveInput::Entry const& entry)
 {
     std::cout << '{' << jsonMember("name", entry.szFileName)
-              << formatted(",\"size\":%u,\"packed\":%u,\"date\":\"%s\",\"crc\":\"%08x\"}\n",
-                           entry.uncompressedSize, entry.compressedSize, dateOf(entry).c_str(), entry.crc);
+              << ",\"size\":" << sizeText(entry.uncompressedSize, "null")
+              << ",\"packed\":" << sizeText(entry.compressedSize, "null")
+              << ",\"date\":" << dateText(entry, "null", "\"") << ",\"crc\":\"" << crcText(entry) << "\"}\n";
 }
 
 int list(ListOptions const& options)

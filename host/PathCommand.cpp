@@ -84,5 +84,6 @@ void addPathCommand(CLI::App& app, Action& chosen)
                             "The directory; without it the last element stays");
     add("compare", "Compare two paths; exit code 1 if they differ", compare)
         .first->get_option("PATH")
-        ->expected(2);
+        ->expected(2)
+        ->allow_extra_args(false);  // or "[a,b]" would be two paths
 }

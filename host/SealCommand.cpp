@@ -38,7 +38,8 @@ void addSealCommand(CLI::App& app, Action& chosen)
         addCommand(app, chosen, "seal", "Write an encrypted copy of a file", seal);
     command->add_option("FILE", options->m_source, "The file, or - for standard input")->required();
     command->add_option("OUT", options->m_target, "The encrypted copy; an existing one is replaced")
-        ->required();
+        ->required()
+        ->check(refuseEmpty);
 }
 
 void addUnsealCommand(CLI::App& app, Action& chosen)
@@ -51,5 +52,6 @@ void addUnsealCommand(CLI::App& app, Action& chosen)
             "OUT", options->m_target,
             "The plain copy, for its owner alone unless it replaces a file; or - for standard output, "
             "whose bytes count only if the exit code is 0")
-        ->required();
+        ->required()
+        ->check(refuseEmpty);
 }

@@ -59,7 +59,6 @@ int check(CheckOptions const& options)
 void addSessionOption(CLI::App& command, std::string& session)
 {
     // Without a session, s would be the signature of the name alone, which k shows to everybody.
-    auto const refuseEmpty = [](std::string const& id) { return id.empty() ? "must not be empty" : ""; };
     command.add_option("--session", session, "Identifier of the caller's session, which should begin with /")
         ->required()
         ->check(refuseEmpty);

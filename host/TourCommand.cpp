@@ -47,7 +47,10 @@ class TemporaryFolder
 public:
     TemporaryFolder()
     {
-        std::string path = (fs::temp_directory_path() / "arxhost-XXXXXX").string();
+        std::error_code error;
+        std::string path = fs::temp_directory_path(error) / "arxhost-XXXXXX";
+        if (error)
+            failed(NEB_HERE, "the folder for temporary files", error.message());
         if (!mkdtemp(path.data()))
             systemFailed(NEB_HERE, path);
         m_path = path;

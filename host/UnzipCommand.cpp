@@ -1,6 +1,8 @@
 #include <ctime>
 #include <filesystem>
 #include <iostream>
+#include <optional>
+#include <set>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -44,27 +46,19 @@ void makeFolder(fs::path const& folder)
         failed(NEB_HERE, folder, error.message());
 }
 
-// The date is local time. One that does not exist is left out.
-void setDate(std::string const& path, std::uint32_t dosDate)
+void setDate(std::string const& path, ArchiveInput::Entry const& entry)
 {
-    std::tm fields{};
-    fields.tm_year = static_cast<int>(dosDate >> 25) + 80;
-    fields.tm_mon = static_cast<int>(dosDate >> 21 & 0xF) - 1;
-    fields.tm_mday = static_cast<int>(dosDate >> 16 & 0x1F);
-    fields.tm_hour = static_cast<int>(dosDate >> 11 & 0x1F);
-    fields.tm_min = static_cast<int>(dosDate >> 5 & 0x3F);
-    fields.tm_sec = static_cast<int>(dosDate & 0x1F) * 2;
-    fields.tm_isdst = -1;  // found from the date
-    std::tm normal = fields;
-    timespec const times[] = {{0, UTIME_OMIT}, {std::mktime(&normal), 0}};
-    bool const isDate = normal.tm_mon == fields.tm_mon && normal.tm_mday == fields.tm_mday &&
-                        fields.tm_min < 60 && fields.tm_sec < 60;
-    if (isDate && utimensat(AT_FDCWD, path.c_str(), times, 0) != 0)
+    std::optional<std::tm> date = dateOf(entry);
+    if (!date)
+        return;
+    date->tm_isdst = -1;  // found from the date
+    timespec const times[] = {{0, UTIME_OMIT}, {std::mktime(&*date), 0}};
+    if (utimensat(AT_FDCWD, path.c_str(), times, 0) != 0)
         systemFailed(NEB_HERE, path);
 }
 
 void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path const& folder, bool ignorePath,
-             Progress& progress)
+             Progress& progress, std::set<std::string>& extracted)
 {
     fs::path relative = relativePath(entry.szFileName);
     if (isFolder(entry))
@@ -74,6 +68,8 @@ void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path c
     fs::path const target = folder / relative;
     if (archive.isSameFile(target))
         failed(NEB_HERE, "would replace the archive itself");
+    if (extracted.count(target) != 0)
+        failed(NEB_HERE, "would replace the file of another entry");
 
     makeFolder(target.parent_path());
     OutputFile output(target, s_anybody);
@@ -83,8 +79,9 @@ void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path c
                           output.write(data, size);
                           progress.addBytes(size);
                       });
-    setDate(output.getPath(), entry.dosDate);
+    setDate(output.getPath(), entry);
     output.placeUnsynced();
+    extracted.insert(target);
     progress.addFile();
 }
 
@@ -110,8 +107,10 @@ int unzip(UnzipOptions const& options)
     try
     {
         Progress progress;
-        count = archive.visitEntries([&](ArchiveInput::Entry const& entry)
-                                     { extract(archive, entry, folder, options.m_ignorePath, progress); });
+        std::set<std::string> extracted;
+        count = archive.visitEntries(
+            [&](ArchiveInput::Entry const& entry)
+            { extract(archive, entry, folder, options.m_ignorePath, progress, extracted); });
     }
     catch (...)
     {
@@ -130,6 +129,7 @@ void addUnzipCommand(CLI::App& app, Action& chosen)
         addCommand(app, chosen, "unzip",
                    "Extract an archive; entries that can't be extracted are named, the others stay", unzip);
     command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
-    command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given");
+    command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given")
+        ->check(refuseEmpty);
     command->add_flag("--ignore-path", options->m_ignorePath, "Put every file into the folder itself");
 }

@@ -132,7 +132,7 @@ class ArchiveOutput
 public:
     explicit ArchiveOutput(std::string const& archive) : m_name(archive), m_file(archive, s_anybody)
     {
-        m_zip.create(m_file.getPath().c_str());
+        write([this] { m_zip.create(m_file.getPath().c_str()); });
     }
 
     // Raises NEBException where file can't be read as it was found.
@@ -272,9 +272,11 @@ void addZipCommand(CLI::App& app, Action& chosen)
     command
         ->add_option("ARCHIVE", options->m_archive,
                      "The archive; an existing one is replaced, but only by one that holds every file")
-        ->required();
+        ->required()
+        ->check(refuseEmpty);
     command->add_option("DIR", options->m_directory, "The directory")->required();
     CLI::Option* base =
         command->add_option("--base", options->m_base, "Name entries relative to this directory");
+    base->check(refuseEmpty);
     command->add_flag("--flat", options->m_flat, "Name entries by the last element alone")->excludes(base);
 }

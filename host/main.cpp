@@ -2,9 +2,13 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <new>
 
+#include <fcntl.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include "Commands.h"
 #include "Failure.h"
@@ -17,9 +21,8 @@ int constexpr s_exitFailure = 2;
 
 char const* const s_exitCodes =
     "0: done, or the answer is yes. 1: the answer is no. 2: failure, told on standard error in a line each, "
-    "\"arxhost: COMMAND: OBJECT: REASON\". A signal ends the work, removes what is not complete, and shows "
-    "as 128 and the "
-    "signal's number.";
+    "\"arxhost: COMMAND: OBJECT: REASON\". SIGHUP, SIGINT, SIGPIPE and SIGTERM end the work, remove what is "
+    "not complete, and show as 128 and the signal's number.";
 
 struct GlobalOptions
 {
@@ -41,15 +44,14 @@ void addOptions(CLI::App& app, GlobalOptions& options)
     app.fallthrough();  // they may follow the command too
     app.footer(s_exitCodes);
     app.set_version_flag("--version", ARXHOST_VERSION, "Print the version and exit");
-    app.add_option("--config", options.m_config, "File of settings, a line key=value each");
+    app.add_option("--config", options.m_config, "File of settings, a line key=value each")
+        ->check(refuseEmpty);
     app.add_flag("--trace", options.m_trace,
                  "Print with an error also its exception, messages and back trace");
 }
 
 int refuseUsage(CLI::App const& app, CLI::ParseError const& error)
 {
-    if (error.get_exit_code() == 0)
-        return app.exit(error);
     if (!app.get_subcommands().empty())
         setCommandName(app.get_subcommands().front()->get_name());
     std::vector<std::string> const unknown = app.remaining(true);
@@ -58,24 +60,30 @@ int refuseUsage(CLI::App const& app, CLI::ParseError const& error)
     return s_exitFailure;
 }
 
-int work(GlobalOptions const& options, Action const& chosen)
+int work(Action const& action)
 {
-    if (!options.m_config.empty())
-        NEBConfigurationStore::getStore().load(options.m_config);
     std::cout.exceptions(std::ios::badbit);
     std::cerr.tie(nullptr);  // or an error's line would raise that of standard output
-    int const exitCode = chosen();
-    if (!std::cout.flush())  // failed just now, or where a destructor had to keep silent
-        systemFailed(NEB_HERE, "standard output");
-    return exitCode;
+    try
+    {
+        int const exitCode = action();
+        if (std::cout.flush())  // false if it failed where a destructor had to keep silent
+            return exitCode;
+    }
+    catch (std::ios_base::failure const&)
+    {
+        // as if flush had returned false
+    }
+    stopIfInterrupted();  // by SIGPIPE, where nobody reads
+    systemFailed(NEB_HERE, "standard output");
 }
 
 // Nothing that work has begun is alive when its failure is reported.
-int report(GlobalOptions const& options, Action const& chosen)
+int report(bool isTraced, Action const& action)
 {
     try
     {
-        return work(options, chosen);
+        return work(action);
     }
     catch (Interrupted const& interrupted)
     {
@@ -84,12 +92,16 @@ int report(GlobalOptions const& options, Action const& chosen)
     catch (NEBThrowable const& error)
     {
         printError(reasonOf(error));
-        if (options.m_trace)
+        if (isTraced)
             printTrace(error);
     }
-    catch (std::ios_base::failure const&)
+    catch (std::filesystem::filesystem_error const& error)
     {
-        printError(std::string("standard output: ") + std::strerror(errno));
+        printError(error.path1().string() + ": " + error.code().message());
+    }
+    catch (std::bad_alloc const&)
+    {
+        printError(std::strerror(ENOMEM));
     }
     catch (std::exception const& error)
     {
@@ -98,12 +110,22 @@ int report(GlobalOptions const& options, Action const& chosen)
     return s_exitFailure;
 }
 
+// A file that is opened later must not take the number of a closed standard stream, and be read or written as
+// it. The streams still fail, since /dev/null is opened for the other direction.
+void occupyStandardStreams()
+{
+    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 int run(int argc, char** argv)
 {
     // The 268 KB that minizip frees after each entry stay in the process: 400 small files take a third of the
     // time.
     mallopt(M_TRIM_THRESHOLD, 64 << 20);
     watchSignals();
+    occupyStandardStreams();
 
     CLI::App app("Sample host of the ArxiumCommon library.", "arxhost");
     GlobalOptions options;
@@ -114,12 +136,22 @@ int run(int argc, char** argv)
     {
         app.parse(argc, argv);
     }
+    catch (CLI::Success const& answer)  // help or version
+    {
+        return report(false, [&] { return app.exit(answer); });
+    }
     catch (CLI::ParseError const& error)
     {
         return refuseUsage(app, error);
     }
     setCommandName(app.get_subcommands().front()->get_name());
-    return report(options, chosen);
+    return report(options.m_trace,
+                  [&]
+                  {
+                      if (!options.m_config.empty())
+                          NEBConfigurationStore::getStore().load(options.m_config);
+                      return chosen();
+                  });
 }
 }  // namespace
 
