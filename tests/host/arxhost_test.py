@@ -107,8 +107,10 @@ ROWS = [
         errors='.*: frob: no such command.*\n.*path: frob: .*\n.*list: b: .*\n'),
     Row('RefusesEmptyNames', "$A --config '' list z; $A unzip z ''; $A zip '' dir; $A zip z dir --base ''; $A seal big ''; "
         "$A unseal s ''", 2, errors='(arxhost: \\w+: [-\\w]+: must not be empty .*\n){6}'),
-    Row('TellsWhyTheSettingsCannotBeRead', '$A --config none checksum x; $A --config dir checksum x', 2,
-        errors='.*: none: No such file .*\n.*: dir: Is a directory\n'),
+    Row('TellsWhyTheSettingsCannotBeRead', 'for name in none dir keyless twice; do $A --config $name checksum x; done', 2,
+        errors='.*: none: No such file .*\n.*: dir: Is a directory\n.*: keyless:3: no "key=value"\n'
+        '.*: twice:2: "a" is set twice\n',
+        set_up=lambda: (Path('keyless').write_text('a=1\n\n=2'), Path('twice').write_text('a=1\na=2'))),
     Row('TakesItsTour', '$A tour dir/f.txt', 0,
         r'(.*\n)*.*checked: right\n(.*\n)*.*copy refused\n.*stopped\n'),
 

@@ -60,11 +60,11 @@ TEST_F(ARXUriDispatchHelperTest, BeginsWithTheBasePathAskedFor)
     EXPECT_EQ(s_query, url);
 }
 
-TEST_F(ARXUriDispatchHelperTest, SignsANameWithAZeroByte)
+TEST_F(ARXUriDispatchHelperTest, SignsANameOfAnyBytes)
 {
     std::string url;
-    ARXUriDispatchHelper::genUrlForFile(std::string("a\0b", 3), url, "", false);
-    EXPECT_EQ("?b_action=dc&f=YQBi&k=PGEAYj4&s=PGEAYj4&did=d 1", url);
+    ARXUriDispatchHelper::genUrlForFile(std::string("a\0?", 3), url, "", false);
+    EXPECT_EQ("?b_action=dc&f=YQA_&k=PGEAPz4&s=PGEAPz4&did=d 1", url);
 }
 
 TEST_F(ARXUriDispatchHelperTest, RefusesAnEmptyName)
