@@ -6,7 +6,7 @@
 
 namespace
 {
-TEST(ARXI18NRes, MessagesAreFilledAndUnknownOnesNamed)
+TEST(ARXI18NRes, EachMessageNumberGivesAText)
 {
     NEBMessage message(ARXI18NRes::getString(ARXI18NRes::s_messageFile), 1);
     I18NString text(">");

@@ -10,14 +10,6 @@ constexpr std::size_t s_segment = 65536;
 constexpr std::size_t s_tag = 16;
 constexpr std::size_t s_header = 52;
 
-std::string plainOf(std::size_t size)
-{
-    std::string plain;
-    for (std::size_t i = 0; i < size; ++i)
-        plain.push_back(static_cast<char>(i % 251));
-    return plain;
-}
-
 struct KRYEncryptedFile : KRYStarted
 {
     // The bytes of an encrypted file, written in pieces of a size.
@@ -61,7 +53,7 @@ TEST_F(KRYEncryptedFile, ComesBackFromEachPlaceInAnyPieces)
         for (std::size_t const piece : {std::size_t{999}, s_segment, 2 * s_segment})
         {
             SCOPED_TRACE(std::to_string(size) + " bytes in pieces of " + std::to_string(piece));
-            std::string const plain = plainOf(size);
+            std::string const plain = bytesOf(size);
             std::string const sealed = seal(plain, piece);
             EXPECT_EQ(s_header + size + (size <= s_segment ? 1 : 2) * s_tag, sealed.size());
             EXPECT_NE(sealed, seal(plain, piece)) << "each file has a key of its own";
@@ -93,7 +85,7 @@ TEST_F(KRYEncryptedFile, IsRefusedIfAByteDiffers)
     }
     expectDamaged(sealed + '\0');
     std::size_t const firstSegment = s_segment + s_tag;
-    expectDamaged(seal(plainOf(s_segment + 1)).substr(0, s_header + firstSegment));
+    expectDamaged(seal(bytesOf(s_segment + 1)).substr(0, s_header + firstSegment));
 }
 
 TEST_F(KRYEncryptedFile, IsOpenedByEachKeyOfTheKeyFile)
@@ -112,7 +104,7 @@ TEST_F(KRYEncryptedFile, IsOpenedByEachKeyOfTheKeyFile)
 
 TEST_F(KRYEncryptedFile, IsReadAroundDamageButNotAfterIt)
 {
-    std::string const plain = plainOf(3 * s_segment);
+    std::string const plain = bytesOf(3 * s_segment);
     std::string sealed = seal(plain), out;
     sealed[s_header] ^= 1;
     sealed.back() ^= 1;
@@ -177,7 +169,7 @@ TEST_F(KRYEncryptedFile, TakesWholePiecesFromManyThreads)
 TEST_F(KRYEncryptedFile, IsDiscardedOnceTheCallInItsSessionEnds)
 {
     writeFile(m_path, "old");
-    std::string const piece = plainOf(10 * s_segment);
+    std::string const piece = bytesOf(10 * s_segment);
     for (bool const isStop : {false, true})
     {
         KRYTestSession session;

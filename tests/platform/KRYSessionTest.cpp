@@ -21,7 +21,7 @@ Statuses statusesFor(void* token)
 }
 }  // namespace
 
-TEST_F(KRYStarted, NullStaleAndForeignSessionsAreRefused)
+TEST_F(KRYStarted, OnlyOpenSessionsAreTaken)
 {
     KRYTestSession open, closed;
     void* const stale = closed.m_session;

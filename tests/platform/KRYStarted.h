@@ -22,6 +22,15 @@ inline void writeFile(std::string const& path, std::string_view bytes, mode_t mo
     ASSERT_EQ(0, chmod(path.c_str(), mode));
 }
 
+// Bytes that count from 0 to 250 again and again, so that no two segments of a file are alike.
+inline std::string bytesOf(std::size_t size)
+{
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i % 251);
+    return bytes;
+}
+
 // The text of details, which are freed.
 inline std::string taken(char* details)
 {

@@ -34,13 +34,12 @@ TEST(NEBFmFile, KeepsNoDescriptorOfWhatItRefuses)
     int const next = dup(0);
     ::close(next);
     NEBFmFile file;
-    char byte = 0;
     EXPECT_EQ(0, file.open("/", s_read, 0));
     EXPECT_EQ(EISDIR, errno);
-    EXPECT_EQ(-1, file.read(&byte, 1));
+    EXPECT_EQ(-1, fcntl(next, F_GETFD));
     EXPECT_EQ(0, file.open("/dev/null", 1, 0));
     EXPECT_EQ(EINVAL, errno);
     ASSERT_EQ(1, file.open("/dev/null", s_read, 0));
-    EXPECT_EQ(FD_CLOEXEC, fcntl(next, F_GETFD)) << "a descriptor was lost or is inherited";
+    EXPECT_EQ(FD_CLOEXEC, fcntl(next, F_GETFD));
 }
 }  // namespace

@@ -60,7 +60,7 @@ SetRow const s_sets[] = {
     {"OnlyBeyondAMask", {0, 0, 0, 7}, s_allOnes},
 };
 
-TEST(OsCounter, PinAndRestoreLeaveTheSetThatHeld)
+TEST(OsCounter, RestoringBringsBackTheSetThatHeld)
 {
     for (SetRow const& row : s_sets)
     {

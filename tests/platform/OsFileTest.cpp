@@ -138,7 +138,7 @@ FailureRow const s_failures[] = {
     {"Unlink", &Failing::offer, "unlinkat", 1, "keeps a second name, which can't be removed", "old"},
 };
 
-TEST_F(OsPlacedFileTest, FailureIsToldAndFinal)
+TEST_F(OsPlacedFileTest, EachFailureIsToldForGood)
 {
     for (FailureRow const& row : s_failures)
     {
