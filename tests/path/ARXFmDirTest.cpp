@@ -25,7 +25,7 @@ TEST(ARXFmDirComparison, IsExactExceptForSeparators)
     EXPECT_FALSE(ARXFmDir::isEquivalentPath("abcd", "abc"));
 }
 
-TEST(ARXFmDirSeparator, BecomesASlashAndNothingElseChanges)
+TEST(ARXFmDirSeparator, BecomesASlash)
 {
     std::string path = "\\\\s\\..\\\xDC/\\.";
     ARXFmDir::normalizePathSeparator(path);

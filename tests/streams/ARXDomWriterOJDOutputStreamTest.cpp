@@ -2,7 +2,7 @@
 
 #include "streams/StreamTools.h"
 
-TEST(ARXDomWriterOJDOutputStream, PassesEveryCallOnAndFlushesAtTheEnd)
+TEST(ARXDomWriterOJDOutputStream, PassesEveryCallOn)
 {
     RecordingOutputStream target;
     {

@@ -71,7 +71,7 @@ TEST(ARXOJDQuotedPrintableOutputStreamWrite, GoesOnWithoutLossAfterRefusalsOfALi
     }
 }
 
-TEST(ARXOJDQuotedPrintableOutputStreamWrap, OnlyAWrappedTargetGetsTextAndOnlyInLines)
+TEST(ARXOJDQuotedPrintableOutputStreamWrap, OnlyAWrappedTargetGetsText)
 {
     RecordingOutputStream target, unwrapped, refusing;
     refusing.m_refuses = 1;

@@ -128,7 +128,7 @@ FailureRow const s_failures[] = {
 };
 
 // The destructor fails too, and the session is closed nevertheless.
-TEST_F(ARXOJDSecureFileOutputStreamTest, AFailureHasItsTextAndLeavesItsState)
+TEST_F(ARXOJDSecureFileOutputStreamTest, EachFailureHasItsOutcome)
 {
     for (FailureRow const& row : s_failures)
     {
