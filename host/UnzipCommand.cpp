@@ -62,7 +62,11 @@ void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path c
 {
     fs::path relative = relativePath(entry.szFileName);
     if (isFolder(entry))
+    {
+        if (entry.uncompressedSize != 0)
+            failed(NEB_HERE, "is named as a folder, but holds data");
         return makeFolder(relative == "." ? folder : folder / relative);
+    }
     if (ignorePath)
         relative = relative.filename();
     fs::path const target = folder / relative;

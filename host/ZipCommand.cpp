@@ -60,6 +60,8 @@ SourceFile describe(std::string const& path, std::string const& base)
     if (file.m_name.size() > s_longestName)
         failed(NEB_HERE, path, "its name in the archive would have more than 258 bytes");
     naming(path, [&] { relativePath(file.m_name); });  // raises for a name that unzip refuses
+    if (file.m_name.back() == '/')
+        failed(NEB_HERE, path, "would be a folder in the archive");
     return file;
 }
 

@@ -142,6 +142,8 @@ ROWS = [
         '2 files\nname\nf.txt\ng.txt\n'),
     Row('RefusesToZipTwoFilesOfOneName', 'echo > dir/g.txt; $A zip z.zip dir --flat', 2,
         errors='arxhost: zip: g.txt: two files .*\n'),
+    Row('RefusesToZipAFileAsAFolder', "echo > 'dir/a\\'; $A zip z.zip dir", 2,
+        errors=r'arxhost: zip: .*/dir/a\\: would be a folder .*\n'),
     Row('KeepsTheDates', 'touch -d "2001-02-03 04:05:06" dir/f.txt; $A zip z.zip dir; $A unzip z.zip out; '
         'date -r out/f.txt "+%F %T"', 0, '2 files\n2 entries\n2001-02-03 04:05:06\n'),
     Row('ZipsNoFilesAtAll', 'mkdir e; $A zip z.zip e; $A list z.zip; $A unzip z.zip', 0,
@@ -201,6 +203,8 @@ ROWS = [
         '1 entries\n1 entries\n11', 'arxhost: unzip: FOLDER is required .*\n', set_up=archive(z={'a': b'1'})),
     Row('ReadsANamedPipeOnce', 'mkfifo p; for i in 1 2 3 4 5 6; do cat z.zip > p & timeout 9 "$A" cat p a; done', 0, '111111',
         set_up=archive(z={'a': b'1'})),
+    Row('UnzipNamesFoldersThatHoldData', '$A unzip z.zip out', 2,
+        errors='(arxhost: unzip: [ab].: is named as a folder, .*\n){2}.*\n', set_up=archive(z={'a/': b'1', 'b\\': b'2'})),
     Row('UnzipNamesASecondFileOfOneName', '$A unzip z.zip out --ignore-path; cat out/f', 0, '1',
         'arxhost: unzip: b/f: would replace the file of another entry\n.*1 of 2 .*\n',
         archive(z={'a/f': b'1', 'b/f': b'2'})),
