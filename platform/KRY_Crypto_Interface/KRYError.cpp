@@ -1,6 +1,8 @@
 #include "KRY_Crypto_Interface/KRYError.h"
 
 #include <cerrno>
+#include <cstring>
+#include <new>
 #include <system_error>
 
 #include <openssl/err.h>
@@ -16,4 +18,29 @@ void requireCrypto(bool succeeded, char const* operation)
         return;
     ERR_clear_error();
     throw KRYError(KRY_ERROR_CRYPTO, std::string("OpenSSL failed in ") + operation);
+}
+
+KRYStatus tellFailure(KRYText& text) noexcept
+{
+    auto const tell = [&text](KRYStatus status, char const* reason)
+    {
+        text.reset(::strdup(reason));
+        return status;
+    };
+    try
+    {
+        throw;
+    }
+    catch (KRYError const& error)
+    {
+        return tell(error.getStatus(), error.what());
+    }
+    catch (std::bad_alloc const&)
+    {
+        return tell(KRY_ERROR_MEMORY, "out of memory");
+    }
+    catch (...)
+    {
+        return tell(KRY_ERROR_INTERNAL, "unexpected failure");
+    }
 }

@@ -4,7 +4,9 @@
 #ifndef KRY_CRYPTO_INTERFACE_KRYERROR_H
 #define KRY_CRYPTO_INTERFACE_KRYERROR_H
 
+#include <cstdlib>
 #include <exception>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -27,10 +29,39 @@ private:
 // Raises KRY_ERROR_CRYPTO unless a call into OpenSSL succeeded, and clears the thread's error queue.
 void requireCrypto(bool succeeded, char const* operation);
 
-// Runs work and keeps in failure what it raises.
-template <class Work>
-void keepFailure(std::exception_ptr& failure, Work work)
+// A terminated text for KRY_CryptoFree, or null.
+struct KRYFree
 {
+    void operator()(char* text) const noexcept { std::free(text); }
+};
+using KRYText = std::unique_ptr<char, KRYFree>;
+
+// Returns the status of the exception in flight, for use in a catch block, and sets its text. Allocates
+// nothing but the text: lack of memory costs that, never the status.
+KRYStatus tellFailure(KRYText& text) noexcept;
+
+// Runs work and keeps the text of what it raises. Exceptions that are kept would use up the little memory
+// that is set aside to raise more of them when there is no other.
+template <class Work>
+void keepReason(KRYText& reason, Work work)
+{
+    try
+    {
+        work();
+    }
+    catch (...)
+    {
+        tellFailure(reason);
+        throw;
+    }
+}
+
+// Runs work until it fails once: every later run fails for the same reason.
+template <class Work>
+void runUntilFailure(std::exception_ptr& failure, Work work)
+{
+    if (failure)
+        std::rethrow_exception(failure);
     try
     {
         work();
@@ -40,15 +71,6 @@ void keepFailure(std::exception_ptr& failure, Work work)
         failure = std::current_exception();
         throw;
     }
-}
-
-// The same until work fails once: every later run fails for that reason.
-template <class Work>
-void runUntilFailure(std::exception_ptr& failure, Work work)
-{
-    if (failure)
-        std::rethrow_exception(failure);
-    keepFailure(failure, work);
 }
 
 #endif

@@ -18,8 +18,8 @@ KRYInterface& KRYInterface::getInstance()
 void KRYInterface::start(char const* document)
 {
     std::lock_guard<std::mutex> const guard(m_lock);
-    keepFailure(m_startFailure, [&] { startService(document); });
-    m_startFailure = nullptr;
+    keepReason(m_startFailure, [&] { startService(document); });
+    m_startFailure.reset();
 }
 
 void KRYInterface::startService(char const* document)
@@ -33,12 +33,6 @@ void KRYInterface::startService(char const* document)
     m_services.emplace(serviceID);
     if (m_keys.empty())
         m_keys = std::move(keys);
-}
-
-std::exception_ptr KRYInterface::getStartFailure()
-{
-    std::lock_guard<std::mutex> const guard(m_lock);
-    return m_startFailure;
 }
 
 void KRYInterface::stop(char const* document)

@@ -4,12 +4,12 @@
 #ifndef KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 #define KRY_CRYPTO_INTERFACE_KRYINTERFACE_H
 
-#include <exception>
 #include <mutex>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYRegistry.h"
 #include "KRY_Crypto_Interface/KRYSecret.h"
 
@@ -25,8 +25,13 @@ public:
     void stop(char const* document);
     void* open(char const* document);
 
-    // What the last start raised; null if it succeeded.
-    std::exception_ptr getStartFailure();
+    // Calls work with the reason why the last start failed; null if it succeeded.
+    template <class Work>
+    void withStartFailure(Work work)
+    {
+        std::lock_guard<std::mutex> const guard(m_lock);
+        work(m_startFailure);
+    }
 
     KRYRegistry& getSessions() { return m_sessions; }
 
@@ -37,7 +42,7 @@ private:
     std::mutex m_lock;
     std::set<std::string, std::less<>> m_services;
     KRYMasterKeys m_keys;  // empty unless a service is started; sessions refer to them
-    std::exception_ptr m_startFailure;
+    KRYText m_startFailure;
     KRYRegistry m_sessions;
 };
 

@@ -32,7 +32,7 @@ public:
     KRYRegistry& operator=(KRYRegistry const&) = delete;
 
     void* add(std::unique_ptr<KRYSession> session);
-    // Runs work on the session, which keeps what it raises. This and close raise KRYError with
+    // Runs work on the session, which keeps the reason of a failure. This and close raise KRYError with
     // KRY_ERROR_SESSION for what is no token of an open session.
     template <class Work>
     void with(void* token, Work work)
@@ -41,7 +41,7 @@ public:
         std::lock_guard<std::mutex> const guard(entry->m_lock);
         if (!entry->m_session)
             refuse();
-        keepFailure(entry->m_session->getLastFailure(), [&] { work(*entry->m_session); });
+        keepReason(entry->m_session->getLastFailure(), [&] { work(*entry->m_session); });
     }
     void close(void* token);
     void closeAll();

@@ -17,13 +17,13 @@
 #define KRY_CRYPTO_INTERFACE_KRYSESSION_H
 
 #include <cstdint>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "KRY_Crypto_Interface/KRYDocument.h"
+#include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYFileReader.h"
 #include "KRY_Crypto_Interface/KRYFileWriter.h"
 #include "KRY_Crypto_Interface/KRYSigner.h"
@@ -42,15 +42,15 @@ public:
     // Of the file that unprotect reads. Raises if the session reads none.
     KRYFileReader& getReader() const;
 
-    // What the last call that failed raised; null if none has.
-    std::exception_ptr& getLastFailure() { return m_lastFailure; }
+    // Why the last call that failed did so; null if none has.
+    KRYText& getLastFailure() { return m_lastFailure; }
 
 private:
     void finishFile();
 
     std::string const m_serviceID;
     KRYMasterKeys const& m_keys;
-    std::exception_ptr m_lastFailure;
+    KRYText m_lastFailure;
 
     // At most one of the three is there.
     std::unique_ptr<KRYSigner> m_signer;

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <new>
 #include <string>
 #include <string_view>
@@ -12,33 +11,6 @@
 
 namespace
 {
-// Returns the status of a failure and writes its text. Lack of memory costs the text, never the status.
-std::int32_t tell(std::exception_ptr const& failure, char** details) noexcept
-{
-    auto const give = [details](KRYStatus status, char const* text)
-    {
-        if (details)
-            *details = ::strdup(text);
-        return status;
-    };
-    try
-    {
-        std::rethrow_exception(failure);
-    }
-    catch (KRYError const& error)
-    {
-        return give(error.getStatus(), error.what());
-    }
-    catch (std::bad_alloc const&)
-    {
-        return give(KRY_ERROR_MEMORY, "out of memory");
-    }
-    catch (...)
-    {
-        return give(KRY_ERROR_INTERNAL, "unexpected failure");
-    }
-}
-
 // Runs work where nothing may leave but a status.
 template <class Work>
 std::int32_t guarded(char** details, Work work) noexcept
@@ -50,7 +22,11 @@ std::int32_t guarded(char** details, Work work) noexcept
     }
     catch (...)
     {
-        return tell(std::current_exception(), details);
+        KRYText text;
+        KRYStatus const status = tellFailure(text);
+        if (details)
+            *details = text.release();
+        return status;
     }
 }
 
@@ -205,13 +181,12 @@ std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void*, char** details)
                    {
                        requireArgument(details);
                        KRYInterface& interface = KRYInterface::getInstance();
-                       std::exception_ptr failure;
+                       auto const copy = [details](KRYText const& reason)
+                       { *details = reason ? ::strdup(reason.get()) : nullptr; };
                        if (session)
                            interface.getSessions().with(
-                               session, [&](KRYSession& open) { failure = open.getLastFailure(); });
+                               session, [&](KRYSession& open) { copy(open.getLastFailure()); });
                        else
-                           failure = interface.getStartFailure();
-                       if (failure)
-                           tell(failure, details);
+                           interface.withStartFailure(copy);
                    });
 }

@@ -118,7 +118,7 @@ extern "C"
     KRY_API std::int32_t KRY_CryptoFree(void* memory, void* extra);
     // Returns why the last call that failed in this session failed; later successes leave the reason. A null
     // session asks why the last KRY_CryptoInitialize of the process failed. *details is null if there is no
-    // reason.
+    // reason, or was no memory to keep it.
     KRY_API std::int32_t KRY_CryptoGetLastErrorDetails(void* session, void* extra, char** details);
 }
 

@@ -4,9 +4,11 @@
 // Exit code 0 means that the operation succeeded, 2 that it reported a failure in a documented way, 1 that a
 // rule is broken, which standard error names.
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <list>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -127,6 +129,29 @@ bool useHandles()
     return !sign(*own).empty() && !sign(*shared).empty();
 }
 
+// What sessions keep of a failure must not use up the memory that the runtime sets aside for exceptions.
+bool failInManySessions()
+{
+    char const session[] = "<sessionConfigDocument><serviceID>ID</serviceID></sessionConfigDocument>";
+    Running const library;
+    std::list<ARXSimpleKRYHandleIPtr> handles;
+    while (handles.size() < 600)
+    {
+        ARXKRYHandleI* const handle = ARXKRYHandleFactory::createHandle();
+        ARXSimpleKRYHandleIPtr owner(handle);
+        handle->persistentInitialize(session, nullptr);
+        handles.emplace_back(nullptr);
+        handles.back().reset(owner.release());
+    }
+    auto const isNotSetUp = [](ARXSimpleKRYHandleIPtr& handle)
+    {
+        char* data = nullptr;
+        std::size_t size = 0;
+        return handle->protectData("data", 4, &data, &size, nullptr) == -3;
+    };
+    return std::count_if(handles.begin(), handles.end(), isNotSetUp) == 600;
+}
+
 // A failed call must leave the text that it would have set.
 template <class Call>
 void setsWholly(std::string& text, Call const& call)
@@ -188,6 +213,7 @@ std::map<std::string, bool (*)()> const s_operations = {{"write-archive", writeA
                                                         {"read-archive", readArchive},
                                                         {"streams", writeStreams},
                                                         {"handles", useHandles},
+                                                        {"sessions", failInManySessions},
                                                         {"url", makeUrl},
                                                         {"texts", useTexts},
                                                         {"start", start}};
