@@ -60,7 +60,7 @@ unsigned char toLower(unsigned char byte)
     return isKnown ? byte : static_cast<unsigned char>(std::tolower(byte));
 }
 
-// Piece by piece, because a checksum call for each byte would take twice as long.
+// Piece by piece, because a checksum call for each byte would take three times as long.
 std::uint32_t foldedCrc(unsigned char const* bytes, std::size_t size)
 {
     std::uint32_t crc = 0;
