@@ -11,7 +11,7 @@
 #ifndef NEBCORE_NEBTHREADCRITICALSECTION_H
 #define NEBCORE_NEBTHREADCRITICALSECTION_H
 
-#include <mutex>
+#include <pthread.h>
 
 #include "NEBCore/NEBThreadLockableResource.h"
 
@@ -24,18 +24,12 @@ public:
     NEBThreadCriticalSection(NEBThreadCriticalSection const&) = delete;
     NEBThreadCriticalSection& operator=(NEBThreadCriticalSection const&) = delete;
 
-    void lock() NEB_ACQUIRE() override
-    {
-        if (!m_mutex.try_lock())
-            waitAndLock();
-    }
-    void unlock() NEB_RELEASE() override { m_mutex.unlock(); }
+    void lock() NEB_ACQUIRE() override { pthread_mutex_lock(&m_mutex); }
+    void unlock() NEB_RELEASE() override { pthread_mutex_unlock(&m_mutex); }
 
 private:
-    void waitAndLock();
-
     // A cache line of its own, since the members beside it are read while other threads wait.
-    alignas(64) std::mutex m_mutex;
+    alignas(64) pthread_mutex_t m_mutex = PTHREAD_ADAPTIVE_MUTEX_INITIALIZER_NP;
 };
 
 #endif
