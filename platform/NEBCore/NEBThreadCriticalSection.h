@@ -11,7 +11,7 @@
 #ifndef NEBCORE_NEBTHREADCRITICALSECTION_H
 #define NEBCORE_NEBTHREADCRITICALSECTION_H
 
-#include <pthread.h>
+#include <mutex>
 
 #include "NEBCore/NEBThreadLockableResource.h"
 
@@ -19,17 +19,17 @@ class NEBCORE_API NEB_CAPABILITY("mutex") NEBThreadCriticalSection final : publi
 {
 public:
     // The argument is reserved.
-    explicit NEBThreadCriticalSection(int) {}
+    explicit NEBThreadCriticalSection(int);
 
     NEBThreadCriticalSection(NEBThreadCriticalSection const&) = delete;
     NEBThreadCriticalSection& operator=(NEBThreadCriticalSection const&) = delete;
 
-    void lock() NEB_ACQUIRE() override { pthread_mutex_lock(&m_mutex); }
-    void unlock() NEB_RELEASE() override { pthread_mutex_unlock(&m_mutex); }
+    void lock() NEB_ACQUIRE() override { m_mutex.lock(); }
+    void unlock() NEB_RELEASE() override { m_mutex.unlock(); }
 
 private:
     // A cache line of its own, since the members beside it are read while other threads wait.
-    alignas(64) pthread_mutex_t m_mutex = PTHREAD_ADAPTIVE_MUTEX_INITIALIZER_NP;
+    alignas(64) std::mutex m_mutex;
 };
 
 #endif
