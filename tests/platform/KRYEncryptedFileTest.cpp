@@ -2,7 +2,6 @@
 #include <thread>
 
 #include "platform/KRYStarted.h"
-#include "support/Threads.h"
 
 namespace
 {
@@ -123,6 +122,7 @@ TEST_F(KRYEncryptedFile, SetUpsFollowOneAnother)
     KRYTestSession session;
     EXPECT_EQ(KRY_SUCCESS, session.finish()) << "no file is being written";
     EXPECT_EQ(KRY_ERROR_STATE, session.protect(""));
+    EXPECT_EQ(KRY_SUCCESS, session.sign());
     ASSERT_EQ(KRY_SUCCESS, session.cipher(m_path));
     EXPECT_EQ(KRY_SUCCESS, session.protect("")) << "no end without the closing document";
     EXPECT_EQ(KRY_ERROR_STATE, session.cipher(m_folder / "second"));
@@ -144,26 +144,6 @@ TEST_F(KRYEncryptedFile, FailsAtEachTryToFinish)
     std::filesystem::create_directory(m_path);
     EXPECT_EQ(KRY_ERROR_FILE, session.finish());
     EXPECT_EQ(KRY_ERROR_FILE, session.finish());
-}
-
-TEST_F(KRYEncryptedFile, TakesWholePiecesFromManyThreads)
-{
-    std::size_t const count = 5000, size = 100;
-    KRYTestSession session;
-    ASSERT_EQ(KRY_SUCCESS, session.cipher(m_path));
-    auto const write = [&](int thread)
-    {
-        std::string const piece(size, static_cast<char>('a' + thread));
-        for (std::size_t i = 0; i < count; ++i)
-            session.protect(piece);
-    };
-    onThreads(2, write);
-    EXPECT_EQ(KRY_SUCCESS, session.finish());
-    std::string out;
-    EXPECT_EQ(KRY_SUCCESS, unseal(readAll(m_path), out));
-    ASSERT_EQ(2 * count * size, out.size());
-    for (std::size_t at = 0; at < out.size(); at += size)
-        ASSERT_EQ(std::string(size, out[at]), out.substr(at, size));
 }
 
 TEST_F(KRYEncryptedFile, IsDiscardedOnceTheCallInItsSessionEnds)

@@ -51,6 +51,7 @@ TEST(NEBException, ToStringIndentsEveryLine)
     EXPECT_STREQ(" NEBException\n   a\n   b\n   c", text.c_str());
     NEBAssertError(0, "d\ne").toString(nullptr, nullptr, text, 2);
     EXPECT_STREQ("  NEBAssertError: d\n  e", text.c_str());
+    EXPECT_STREQ("NEBOutOfMemoryError", NEBOutOfMemoryError(0, nullptr).toString());
 }
 
 TEST(NEBException, ReturnedTextsLiveAsLongAsTheObject)

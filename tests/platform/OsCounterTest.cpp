@@ -55,8 +55,8 @@ struct SetRow
 };
 SetRow const s_sets[] = {
     {"TwoProcessors", {3}, 3},
-    {"AllOfAMask", {s_allOnes}, s_allOnes},
     {"BeyondAMask", {5, 0, 0, 7}, s_allOnes},
+    {"AllOfAMask", {s_allOnes}, s_allOnes},
     {"OnlyBeyondAMask", {0, 0, 0, 7}, s_allOnes},
 };
 
