@@ -46,7 +46,7 @@ void addUnsealCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "unseal", "Write the contents of an encrypted file", unseal);
-    command->add_option("FILE", options->m_source, "The encrypted file")->required();
+    command->add_option("FILE", options->m_source, "The encrypted file")->required()->check(refuseEmpty);
     command
         ->add_option(
             "OUT", options->m_target,

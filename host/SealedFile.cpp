@@ -11,7 +11,6 @@
 #include "Progress.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleI.h"
-#include "os/OsFile.h"
 
 namespace
 {
@@ -65,8 +64,6 @@ bool unprotect(ARXKRYHandleI& session, std::string const& source, Sink const& si
 
 void unsealTo(std::string const& source, Sink const& sink)
 {
-    if (!OsFile().open(source.c_str(), OsFile::s_read | OsFile::s_noWait))
-        systemFailed(NEB_HERE, source);  // shorter than the crypto interface's words
     Session const session = naming(
         source,
         [&] { return openSession("<action>DecipherStream</action><fileInput>" + source + "</fileInput>"); });

@@ -106,7 +106,7 @@ ROWS = [
     Row('NamesWhatIsNoCommand', '$A frob; $A path frob; $A list a b', 2,
         errors='.*: frob: no such command.*\n.*path: frob: .*\n.*list: b: .*\n'),
     Row('RefusesEmptyNames', "$A --config '' list z; $A unzip z ''; $A zip '' dir; $A zip z dir --base ''; $A seal big ''; "
-        "$A unseal s ''", 2, errors='(arxhost: \\w+: [-\\w]+: must not be empty .*\n){6}'),
+        "$A unseal s ''; $A unseal '' s", 2, errors='(arxhost: \\w+: [-\\w]+: must not be empty .*\n){7}'),
     Row('TellsWhyTheSettingsCannotBeRead', 'for name in none dir keyless twice; do $A --config $name checksum x; done', 2,
         errors='.*: none: No such file .*\n.*: dir: Is a directory\n.*: keyless:3: no "key=value"\n'
         '.*: twice:2: "a" is set twice\n',
@@ -117,6 +117,7 @@ ROWS = [
     Row('SealsAndUnseals', '$A seal big s && $A unseal s p && cmp big p && ! grep -q needle s && ls', 0,
         'arxium\nbig\nconf\ndir\np\ns\n'),
     Row('SealsFromAndUnsealsToStreams', 'cat big | $A seal - s && $A unseal s - | cmp - big'),
+    Row('UnsealsByTheNameThatItSealed', "mkdir a; $A seal big 'a\\b' && $A unseal 'a\\b' - | cmp - big"),
     Row('RefusesStreamsThatCannotBe', '$A seal big -; $A unseal - p; $A zip - dir', 2,
         errors="(arxhost: \\w+: an .* can't .*\n){3}"),
     Row('TellsAClosedInput', '$A seal - s <&-', 2, errors='arxhost: seal: standard input: Bad file descriptor\n'),
