@@ -69,7 +69,7 @@ Directory findDirectory(std::FILE* file, std::string const& name)
     if (std::ferror(file))
         systemFailed(NEB_HERE, name);
     if (end == std::string::npos || tail.size() - end < s_endRecordSize)
-        failed(NEB_HERE, name, "is no zip archive");
+        failed(NEB_HERE, name, "is no zip archive, or is cut off");
 
     if (end >= s_locatorSize && tail.compare(end - s_locatorSize, 4, "PK\6\7") == 0)
     {

@@ -213,7 +213,8 @@ void ARXZipFile::close()
     if (!m_zipFile)
         return;
     zipClose(std::exchange(m_zipFile, nullptr), nullptr);  // frees the handle even if it reports an error
-    ::close(std::exchange(m_archive, -1));
+    if (m_archive >= 0)
+        ::close(std::exchange(m_archive, -1));
 }
 
 // Refuses a level that zlib refuses, since minizip would lose memory, and an entry beyond 4 GiB, which
