@@ -60,7 +60,7 @@ void takeOffset(std::string_view& text, std::uint64_t& offset)
 }
 }  // namespace
 
-std::string_view KRYDocument::readServiceID(char const* text, std::string const& root)
+std::string_view readServiceID(char const* text, std::string const& root)
 {
     std::string_view id = withoutDeclaration(text);
     if (!takeFront(id, "<" + root + "><serviceID>") || !takeBack(id, "</serviceID></" + root + ">") ||
@@ -71,7 +71,7 @@ std::string_view KRYDocument::readServiceID(char const* text, std::string const&
     return id;
 }
 
-KRYSetUp KRYDocument::readSetUp(char const* text)
+KRYSetUp readSetUp(char const* text)
 {
     std::string_view rest = withoutDeclaration(text);
     if (!takeFront(rest, "<setInfoDocument>") || !takeBack(rest, "</setInfoDocument>"))

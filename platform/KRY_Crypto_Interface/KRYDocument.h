@@ -26,12 +26,8 @@ struct KRYSetUp
     std::uint64_t m_offset;       // where reading begins
 };
 
-class KRYDocument
-{
-public:
-    // text may be null, which is refused. Both return parts of text.
-    static std::string_view readServiceID(char const* text, std::string const& root);
-    static KRYSetUp readSetUp(char const* text);
-};
+// text may be null, which is refused. Both return parts of text.
+std::string_view readServiceID(char const* text, std::string const& root);
+KRYSetUp readSetUp(char const* text);
 
 #endif

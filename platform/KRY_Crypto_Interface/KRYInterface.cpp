@@ -6,7 +6,6 @@
 #include <openssl/crypto.h>
 
 #include "KRY_Crypto_Interface/KRYDocument.h"
-#include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYKeyFile.h"
 
 KRYInterface& KRYInterface::getInstance()
@@ -24,12 +23,12 @@ void KRYInterface::start(char const* document)
 
 void KRYInterface::startService(char const* document)
 {
-    std::string_view const serviceID = KRYDocument::readServiceID(document, "initializeDocument");
+    std::string_view const serviceID = readServiceID(document, "initializeDocument");
     // OpenSSL's cleanup at exit frees what other threads may still be using.
     requireCrypto(OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) == 1, "OPENSSL_init_crypto");
     // Where OpenSSL had no memory for its first steps, it crashes in later ones.
     requireCrypto(OSSL_LIB_CTX_get0_global_default() != nullptr, "OSSL_LIB_CTX_get0_global_default");
-    KRYMasterKeys keys = m_services.empty() ? KRYKeyFile::load() : KRYMasterKeys();
+    KRYMasterKeys keys = m_services.empty() ? loadKeyFile() : KRYMasterKeys();
     m_services.emplace(serviceID);
     if (m_keys.empty())
         m_keys = std::move(keys);
@@ -37,7 +36,7 @@ void KRYInterface::startService(char const* document)
 
 void KRYInterface::stop(char const* document)
 {
-    std::string_view const serviceID = KRYDocument::readServiceID(document, "terminateDocument");
+    std::string_view const serviceID = readServiceID(document, "terminateDocument");
     std::lock_guard<std::mutex> const guard(m_lock);
     auto const service = m_services.find(serviceID);
     if (service == m_services.end())
@@ -51,7 +50,7 @@ void KRYInterface::stop(char const* document)
 
 void* KRYInterface::open(char const* document)
 {
-    std::string_view const serviceID = KRYDocument::readServiceID(document, "sessionConfigDocument");
+    std::string_view const serviceID = readServiceID(document, "sessionConfigDocument");
     std::lock_guard<std::mutex> const guard(m_lock);
     if (m_keys.empty())
         throw KRYError(KRY_ERROR_STATE, "the interface is not started");

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <string_view>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 #include "KRY_Crypto_Interface/KRYRegistry.h"

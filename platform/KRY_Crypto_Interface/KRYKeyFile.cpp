@@ -16,18 +16,18 @@
 
 namespace
 {
-constexpr char s_defaultName[] = "master.key";
 constexpr std::int64_t s_keySize = KRYSecret::s_size;
 constexpr std::int64_t s_limit = 64;
 
-std::string defaultFolder()
+std::string defaultPath()
 {
-    char const* const places[][2] = {{"XDG_STATE_HOME", "/arxium"}, {"HOME", "/.local/state/arxium"}};
-    for (auto const& [variable, folder] : places)
+    char const* const places[][2] = {{"XDG_STATE_HOME", "/arxium/master.key"},
+                                     {"HOME", "/.local/state/arxium/master.key"}};
+    for (auto const& [variable, file] : places)
     {
-        char const* const value = std::getenv(variable);
-        if (value && *value == '/')  // relative folders do not count
-            return std::string(value) + folder;
+        char const* const folder = std::getenv(variable);
+        if (folder && *folder == '/')  // relative ones do not count
+            return std::string(folder) + file;
     }
     throw KRYError(KRY_ERROR_KEY,
                    "no place for the key file: none of cryptoKeyFile, XDG_STATE_HOME and HOME is set");
@@ -49,24 +49,15 @@ void makeFolder(std::string const& path)
         raiseSystemError(KRY_ERROR_FILE, "folder " + parent + " can't be synchronised with the disk");
 }
 
-void makeKeyFile(std::string const& folder)
+void makeKeyFile(std::string const& path)
 {
-    makeFolder(folder);
+    makeFolder(path.substr(0, path.rfind('/')));
     KRYSecret key;
     requireCrypto(RAND_bytes(key.data(), int{KRYSecret::s_size}) == 1, "RAND_bytes");
     OsPlacedFile file;
-    if (!file.create(folder + "/" + s_defaultName, 0600) ||
-        file.write(key.data(), KRYSecret::s_size) != KRYSecret::s_size || !file.offer())
+    if (!file.create(path, 0600) || file.write(key.data(), KRYSecret::s_size) != KRYSecret::s_size ||
+        !file.offer())
         throw KRYError(KRY_ERROR_FILE, file.getFailure());
-}
-
-std::string defaultPath()
-{
-    std::string const folder = defaultFolder();
-    std::string path = folder + "/" + s_defaultName;
-    if (::access(path.c_str(), F_OK) == -1 && errno == ENOENT)
-        makeKeyFile(folder);
-    return path;
 }
 
 // What is wrong with a key file; null if it keeps its rules.
@@ -84,12 +75,16 @@ char const* faultOf(OsFileStatus const& status)
 }
 }  // namespace
 
-KRYMasterKeys KRYKeyFile::load()
+KRYMasterKeys loadKeyFile()
 {
     INEBConfiguration& configuration = NEBConfigurationFactory::getInstance();
     std::string path = configuration.getConfigurationValue("cryptoKeyFile", nullptr).c_str();
     if (path.empty())
+    {
         path = defaultPath();
+        if (::access(path.c_str(), F_OK) == -1 && errno == ENOENT)
+            makeKeyFile(path);
+    }
     std::string const label = "key file " + path;
     OsFile file;
     OsFileStatus status;

@@ -13,11 +13,7 @@
 
 #include "KRY_Crypto_Interface/KRYSecret.h"
 
-class KRYKeyFile
-{
-public:
-    // Raises KRYError.
-    static KRYMasterKeys load();
-};
+// Raises KRYError.
+KRYMasterKeys loadKeyFile();
 
 #endif

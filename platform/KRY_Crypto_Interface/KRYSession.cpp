@@ -1,7 +1,5 @@
 #include "KRY_Crypto_Interface/KRYSession.h"
 
-#include "KRY_Crypto_Interface/KRYError.h"
-
 KRYSession::KRYSession(std::string_view serviceID, KRYMasterKeys const& keys)
     : m_serviceID(serviceID), m_keys(keys)
 {
@@ -9,7 +7,7 @@ KRYSession::KRYSession(std::string_view serviceID, KRYMasterKeys const& keys)
 
 void KRYSession::setUp(char const* document)
 {
-    auto const [action, fileName, offset] = KRYDocument::readSetUp(document);
+    auto const [action, fileName, offset] = readSetUp(document);
     if (m_writer && action != KRYAction::finish)
         throw KRYError(KRY_ERROR_STATE, "a file is being written: only the closing document is taken");
     m_signer.reset();

@@ -5,7 +5,6 @@
 #include <iterator>
 #include <memory>
 #include <ostream>
-#include <utility>
 
 #include <utf8.h>
 

@@ -48,13 +48,12 @@ bool NEBFmFile::openForReading(std::string const& path)
     if (!m_file.open(path.c_str(), OsFile::s_read))
         return false;
     bool const isKnown = m_file.getStatus(status);
-    // The system opens directories for reading too.
-    int const reason = !isKnown ? errno : status.m_type == OsFile::s_folder ? EISDIR : 0;
-    if (reason == 0)
+    if (isKnown && status.m_type != OsFile::s_folder)  // the system opens directories for reading too
     {
         m_remaining = status.m_type == OsFile::s_regularFile ? status.m_size : -1;
         return true;
     }
+    int const reason = isKnown ? EISDIR : errno;
     m_file.close();
     errno = reason;
     return false;

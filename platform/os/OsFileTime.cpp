@@ -1,6 +1,7 @@
 #include "os/OsFileTime.h"
 
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 
 #include <sys/stat.h>
@@ -28,11 +29,6 @@ timespec toTimespec(FILETIME const& time)
     result.tv_sec = static_cast<std::time_t>(steps / s_stepsPerSecond - s_secondsFrom1601To1970);
     result.tv_nsec = static_cast<long>(steps % s_stepsPerSecond * s_nanosecondsPerStep);
     return result;
-}
-
-bool isEqual(FILETIME const& a, FILETIME const& b)
-{
-    return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
 }
 
 // A handle is the descriptor itself, so that nothing has to be allocated.
@@ -86,7 +82,7 @@ BOOL SetFileTime(HANDLE file, FILETIME const*, FILETIME const* lastAccess, FILET
     if (GetFileTime(file, nullptr, &current, nullptr) == 0)
         return 0;
     // A FILETIME is coarser than the file's own time; writing it back would lose the rest.
-    bool const keepsAccess = !lastAccess || isEqual(*lastAccess, current);
+    bool const keepsAccess = !lastAccess || std::memcmp(lastAccess, &current, sizeof current) == 0;
     timespec const times[] = {keepsAccess ? s_omitted : toTimespec(*lastAccess),
                               lastWrite ? toTimespec(*lastWrite) : s_omitted};
     return ::futimens(descriptorOf(file), times) == 0;

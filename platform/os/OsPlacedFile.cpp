@@ -126,11 +126,8 @@ bool OsPlacedFile::isUsable()
 
 bool OsPlacedFile::complete()
 {
-    if (!isUsable())
-        return false;
-    if (!m_file.sync())
-        return fail("can't be synchronised with the disk");
-    return m_file.close() || fail("can't be closed");
+    return isUsable() && (m_file.sync() || fail("can't be synchronised with the disk")) &&
+           (m_file.close() || fail("can't be closed"));
 }
 
 bool OsPlacedFile::takeName()
