@@ -1,5 +1,6 @@
 #include "KRY_Crypto_Interface/KRYDocument.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "KRY_Crypto_Interface/KRYError.h"
@@ -46,16 +47,14 @@ std::string_view between(std::string_view text, std::string_view front, std::str
 // Takes `<offset>N</offset>` off the end of text; leaves both as they are if it has another end.
 void takeOffset(std::string_view& text, std::uint64_t& offset)
 {
-    std::string_view rest = text;
-    if (!takeBack(rest, "</offset>"))
-        return;
-    std::string_view const digits = rest.substr(rest.find_last_not_of("0123456789") + 1);
+    std::size_t const start = std::min(text.rfind("<offset>"), text.size());
+    std::string_view const digits = between(text.substr(start), "<offset>", "</offset>");
+    char const* const end = digits.data() + digits.size();
     std::uint64_t number = 0;
-    bool const fits = std::from_chars(digits.data(), digits.data() + digits.size(), number).ec == std::errc();
-    rest.remove_suffix(digits.size());
-    if (!fits || !takeBack(rest, "<offset>"))
+    auto const [rest, error] = std::from_chars(digits.data(), end, number);
+    if (error != std::errc() || rest != end)
         return;
-    text = rest;
+    text = text.substr(0, start);
     offset = number;
 }
 }  // namespace

@@ -33,11 +33,9 @@ void KRYRegistry::close(void* token)
 
 void KRYRegistry::closeAll()
 {
-    Entries entries;
-    {
-        std::lock_guard<std::mutex> const guard(m_lock);
-        entries.swap(m_entries);
-    }
+    std::unique_lock<std::mutex> guard(m_lock);
+    Entries const entries = std::exchange(m_entries, {});
+    guard.unlock();
     for (auto const& entry : entries)
         entry.second->close();
 }
