@@ -83,7 +83,7 @@ struct RefusalRow
     char const* m_assertion;
 };
 
-TEST(ARXFmDirRefused, HasItsTextAndLeavesTheResult)
+TEST(ARXFmDirRefused, LeavesTheResult)
 {
     RefusalRow const rows[] = {
         {"Null", [](auto&) { ARXFmDir::hasDriveLetter(nullptr); }, "(path);"},

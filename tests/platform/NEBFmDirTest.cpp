@@ -35,7 +35,7 @@ TEST(NEBFmDir, SplitsAfterTheLastSeparator)
 
 struct MakeRow
 {
-    std::string m_path;
+    char const* m_path;
     char const* m_made;  // the last folder made; null if the path is refused
 };
 
@@ -44,12 +44,8 @@ TEST(NEBFmDir, MakesDirectoriesThroughBothSeparators)
     TemporaryFolder const folder;
     CurrentFolder const current(folder.path());
     std::ofstream("file");
-    MakeRow const rows[] = {{"", "."},
-                            {"a", "a"},
-                            {"b\\c//d\\", "b/c/d"},
-                            {"e/../f/./g", "f/g"},
-                            {"file/x", nullptr},
-                            {std::string(5000, '/') + std::string(300, 'x'), nullptr}};
+    MakeRow const rows[] = {
+        {"", "."}, {"a", "a"}, {"b\\c//d\\", "b/c/d"}, {"e/../f/./g", "f/g"}, {"file/x", nullptr}};
     for (MakeRow const& row : rows)
     {
         SCOPED_TRACE(row.m_path);

@@ -29,22 +29,22 @@ struct FailureRow
     bool m_keepsEntry;
 };
 
-TEST_F(ARXZipFileTest, FailuresTellWhyAndWhetherTheEntryStaysOpen)
+TEST_F(ARXZipFileTest, EachFailureHasItsOutcome)
 {
     static char const* const s_null = nullptr;
     using Zip = ARXZipFile&;
     FailureRow const rows[] = {
-        {"CreateNull", [](Zip z) { z.create(s_null); }, s_nameNull, true},
-        {"CreateNowhere", [](Zip z) { z.create("/dev/null/x"); },
+        {"CreateNull", [](Zip zip) { zip.create(s_null); }, s_nameNull, true},
+        {"CreateNowhere", [](Zip zip) { zip.create("/dev/null/x"); },
          "ARXException: Unable to create zip file: \n/dev/null/x", false},
-        {"AddNull", [](Zip z) { z.addFile(s_null, ""); }, "NEBAssertError: NEB_ASSERT(fileName);", true},
-        {"AddFolder", [](Zip z) { z.addFile(".", ""); }, "NEBAssertError: NEB_ASSERT(exists);", true},
-        {"AddNameless", [](Zip z) { z.addFile("f", "f"); },
+        {"AddNull", [](Zip zip) { zip.addFile(s_null, ""); }, "NEBAssertError: NEB_ASSERT(fileName);", true},
+        {"AddFolder", [](Zip zip) { zip.addFile(".", ""); }, "NEBAssertError: NEB_ASSERT(exists);", true},
+        {"AddNameless", [](Zip zip) { zip.addFile("f", "f"); },
          "NEBAssertError: NEB_ASSERT(0 < strlen(fileName));", false},
-        {"OpenNull", [](Zip z) { open(z, s_null); }, s_nameNull, true},
-        {"TooLong", [](Zip z) { open(z, std::string(65536, 'n').c_str()); }, s_notOpened + "-102", false},
-        {"BadLevel", [](Zip z) { open(z, "n", -2); }, s_notOpened + "-2", false},
-        {"WriteNull", [](Zip z) { z.writeInFileInZip(nullptr, 1); }, s_notWritten, true},
+        {"OpenNull", [](Zip zip) { open(zip, s_null); }, s_nameNull, true},
+        {"TooLong", [](Zip zip) { open(zip, std::string(65536, 'n').c_str()); }, s_notOpened + "-102", false},
+        {"BadLevel", [](Zip zip) { open(zip, "n", -2); }, s_notOpened + "-2", false},
+        {"WriteNull", [](Zip zip) { zip.writeInFileInZip(nullptr, 1); }, s_notWritten, true},
     };
     writeTree({{"f", ""}});
     for (FailureRow const& row : rows)
