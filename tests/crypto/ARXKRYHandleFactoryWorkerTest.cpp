@@ -2,16 +2,11 @@
 
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
-#include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
 
 namespace
 {
-struct ARXKRYHandleFactoryWorkerTest : RecordedTest
-{
-    ARXKRYHandleFactoryWorkerTest() { Arxium::initialize(false); }
-    ~ARXKRYHandleFactoryWorkerTest() override { Arxium::terminate(); }
-};
+using ARXKRYHandleFactoryWorkerTest = StartedTest;
 
 void use(char const* cnfgDoc, char const* infoDoc)
 {

@@ -2,7 +2,6 @@
 
 #include <sys/mman.h>
 
-#include "frame/Arxium.h"
 #include "streams/StreamTools.h"
 #include "support/CryptoRecorder.h"
 
@@ -32,11 +31,7 @@ std::string stateOf(Stream& stream)
            (raisedBy([&] { stream.write("", 0); }).empty() ? " write" : "");
 }
 
-struct ARXOJDSecureFileOutputStreamTest : RecordedTest
-{
-    ARXOJDSecureFileOutputStreamTest() { Arxium::initialize(false); }
-    ~ARXOJDSecureFileOutputStreamTest() override { Arxium::terminate(); }
-};
+using ARXOJDSecureFileOutputStreamTest = StartedTest;
 
 TEST_F(ARXOJDSecureFileOutputStreamTest, AnEncryptedFileIsOneListOfCalls)
 {

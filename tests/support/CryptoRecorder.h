@@ -22,6 +22,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/Arxium.h"
 #include "support/Raised.h"
 
 enum class Fault
@@ -73,6 +74,13 @@ struct RecordedTest : testing::Test
     ~RecordedTest() override { EXPECT_EQ(Lines(), m_recorder.problems()); }
 
     CryptoRecorder& m_recorder = CryptoRecorder::get();
+};
+
+// The same with the library started, which calls nothing for that.
+struct StartedTest : RecordedTest
+{
+    StartedTest() { Arxium::initialize(false); }
+    ~StartedTest() override { Arxium::terminate(); }
 };
 
 #endif

@@ -67,7 +67,9 @@ TEST(ARNEBI18NBufferContent, FollowsChangesByItsOwnPartsAtEverySize)
     {
         SCOPED_TRACE(size);
         Text const held = Text(size - 1, u'a') + u'z';
-        Buffer part(units(held)), unit(part), longer(part), longerByUnit(part);
+        Buffer whole(units(held)), part(whole), unit(whole), longer(whole), longerByUnit(whole);
+        whole = unitsAt(whole, 0);
+        EXPECT_EQ(held, textOf(whole));
         part = unitsAt(part, 1);
         EXPECT_EQ(held.substr(1), textOf(part));
         unit = *unitsAt(unit, size - 1);

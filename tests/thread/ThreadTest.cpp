@@ -5,13 +5,13 @@
 #include "NEBCore/NEBThrowable.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
-#include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
 #include "support/Threads.h"
 
 namespace
 {
-using ThreadTest = RecordedTest;
+using HandleThreadTest = StartedTest;
+using StartThreadTest = RecordedTest;
 
 int constexpr s_threads = 16;
 int constexpr s_rounds = 50;
@@ -29,19 +29,17 @@ void useHandle(std::string const& info)
 }
 }  // namespace
 
-TEST_F(ThreadTest, ANewPairIsSetUpOnceHoweverManyAskForIt)
+TEST_F(HandleThreadTest, ANewPairIsSetUpOnceHoweverManyAskForIt)
 {
-    Arxium::initialize(false);
     for (int round = 0; round < s_rounds; ++round)
     {
         onThreads(s_threads, [&](int) { useHandle(std::to_string(round)); });
         std::size_t const setUpCalls = 2, callsOfEach = 5;
         EXPECT_EQ(setUpCalls + s_threads * callsOfEach, m_recorder.takeCalls().size());
     }
-    Arxium::terminate();
 }
 
-TEST_F(ThreadTest, StartsAndStopsNeverOverlap)
+TEST_F(StartThreadTest, StartsAndStopsNeverOverlap)
 {
     auto const startThenStop = [](int)
     {
@@ -60,9 +58,8 @@ TEST_F(ThreadTest, StartsAndStopsNeverOverlap)
     EXPECT_THROW(Arxium::terminate(), NEBThrowable);
 }
 
-TEST_F(ThreadTest, TwoSessionsWorkSideBySide)
+TEST_F(HandleThreadTest, TwoSessionsWorkSideBySide)
 {
-    Arxium::initialize(false);
     std::atomic<int> inside{0};
     auto const waitForTheOther = [&]
     {
@@ -74,5 +71,4 @@ TEST_F(ThreadTest, TwoSessionsWorkSideBySide)
     };
     m_recorder.m_duringProtect = waitForTheOther;
     onThreads(2, [](int number) { useHandle(std::to_string(number)); });
-    Arxium::terminate();
 }

@@ -3,21 +3,17 @@
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXKRYHandleFactoryWorkerI.h"
 #include "crypto/ARXKRYHandleI.h"
-#include "frame/Arxium.h"
 #include "support/CryptoRecorder.h"
 
 namespace
 {
-struct ARXUriDispatchHelperTest : RecordedTest
+struct ARXUriDispatchHelperTest : StartedTest
 {
     ARXUriDispatchHelperTest()
     {
         m_recorder.m_settings = {
             {"gatewayUrl", "ga/te"}, {"externalDispatcherUrl", "disp"}, {"dispatcherID", "d 1"}};
-        Arxium::initialize(false);
-        m_recorder.takeCalls();
     }
-    ~ARXUriDispatchHelperTest() override { Arxium::terminate(); }
 
     // The first line that is raised. A url that held "base" must hold it still.
     std::string raisedFor(char const* path, char const* sessionId)
