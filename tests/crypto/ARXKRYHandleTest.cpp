@@ -70,7 +70,6 @@ TEST_F(ARXKRYHandleTest, BothKindsReturnWhatAFailedCallMade)
     KRY_PersistentInitialize(&m_session, "cnfg", nullptr, nullptr);
     m_full.persistentInitialize("cnfg", nullptr);
     m_recorder.takeCalls();
-    char words[3][2] = {"a", "b", "c"};
     for (ARXSimpleKRYHandleI* const handle : m_both)
     {
         char* plain = nullptr;
@@ -79,10 +78,10 @@ TEST_F(ARXKRYHandleTest, BothKindsReturnWhatAFailedCallMade)
         EXPECT_FALSE(KRY_SUCCEEDED(handle->unprotectData("bytes", 5, &plain, &size, nullptr)));
         EXPECT_EQ("plain", std::string(plain, size));
         handle->cryptoFree(plain, nullptr);
-        handle->getInfo(words[0], words[1], words[2]);
+        handle->getInfo(nullptr, nullptr, nullptr);
     }
-    EXPECT_EQ((Lines{"KRY_UnprotectData S1 bytes wanted 9", "KRY_CryptoFree data", "KRY_GetInfo S1 a b c",
-                     "KRY_UnprotectData S2 bytes wanted 9", "KRY_CryptoFree data", "KRY_GetInfo S2 a b c"}),
+    EXPECT_EQ((Lines{"KRY_UnprotectData S1 bytes wanted 9", "KRY_CryptoFree data", "KRY_GetInfo S1",
+                     "KRY_UnprotectData S2 bytes wanted 9", "KRY_CryptoFree data", "KRY_GetInfo S2"}),
               m_recorder.takeCalls());
     KRY_CloseHandle(&m_session, nullptr, nullptr);
 }

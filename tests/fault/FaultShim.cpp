@@ -115,14 +115,12 @@ long countLiveAllocations()
     return s_live;
 }
 
-#pragma GCC visibility push(default)
 extern "C"
 {
     // The C library's own, by names that nobody replaces.
     void* __libc_malloc(std::size_t);
     void* __libc_calloc(std::size_t, std::size_t);
     void* __libc_realloc(void*, std::size_t);
-    void* __libc_memalign(std::size_t, std::size_t);
     void __libc_free(void*);
     ssize_t __read(int, void*, std::size_t);
     ssize_t __write(int, void const*, std::size_t);
@@ -134,10 +132,6 @@ extern "C"
     void* calloc(std::size_t count, std::size_t size)
     {
         return allocated([=] { return __libc_calloc(count, size); });
-    }
-    void* aligned_alloc(std::size_t alignment, std::size_t size)
-    {
-        return allocated([=] { return __libc_memalign(alignment, size); });
     }
     void* realloc(void* memory, std::size_t size)
     {
@@ -167,4 +161,3 @@ extern "C"
         return next(mainWithFaults, count, arguments, begin, end, loaderEnd, stack);
     }
 }
-#pragma GCC visibility pop

@@ -3,13 +3,11 @@
 #ifndef ARXIUM_TESTS_FAULT_FAULTSHIM_H
 #define ARXIUM_TESTS_FAULT_FAULTSHIM_H
 
-#pragma GCC visibility push(default)
 // With FAULT_WAITS in the environment points count from beginFaults() to endFaults(), otherwise from main()
 // to the end.
 void beginFaults();
 void endFaults();
 // The allocations that are not freed yet.
 long countLiveAllocations();
-#pragma GCC visibility pop
 
 #endif

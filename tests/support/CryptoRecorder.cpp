@@ -97,12 +97,9 @@ std::int32_t KRY_SetInfo(void* session, char const* document, void*)
     return status;
 }
 
-std::int32_t KRY_GetInfo(void* session, void* first, void* second, void* third)
+std::int32_t KRY_GetInfo(void* session, void*, void*, void*)
 {
-    std::string words;
-    for (void* const word : {first, second, third})
-        words += std::string(" ") + (word ? static_cast<char const*>(word) : "null");
-    return answerOn(session, "KRY_GetInfo", words);
+    return answerOn(session, "KRY_GetInfo", "");
 }
 
 std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size, char** outData,

@@ -80,16 +80,6 @@ TEST_F(ARXUnzipFileTest, RefusesEntriesThatItCantRead)
     }
 }
 
-TEST_F(ARXUnzipFileTest, OpeningClosesWhatWasOpen)
-{
-    makeArchive({"a", "b"});
-    ARXUnzipFile archive("out.zip");
-    EXPECT_EQ(2, archive.getFileCount());
-    EXPECT_FALSE(archive.openZip("missing"));
-    EXPECT_EQ(0, archive.getFileCount());
-    EXPECT_FALSE(archive.gotoFirstFile() || archive.gotoNextFile() || archive.unzip(false, nullptr));
-}
-
 // Into the archive's own folder, since none is given.
 TEST_F(ARXUnzipFileTest, StopsAtTheFirstBadEntry)
 {

@@ -66,14 +66,6 @@ TEST_F(ARXZipFileTest, CallsNeedAnArchiveOrAnEntry)
     EXPECT_EQ(noFile, raisedBy([&] { m_archive.closeFileInZip(); }).at(0));
 }
 
-TEST_F(ARXZipFileTest, ReportsAFullDisk)
-{
-    m_archive.create("/dev/full");
-    open(m_archive, "n", 0);
-    EXPECT_EQ(s_notWritten, raisedBy([&] { write(m_archive, std::string(500000, 'x')); }).at(0));
-    m_archive.close();
-}
-
 TEST_F(ARXZipFileTest, NamesFollowTheBase)
 {
     std::string const b(10000, 'b');
@@ -101,15 +93,6 @@ TEST_F(ARXZipFileTest, SkipsWhatHasTheArchivesPathInIts)
     m_archive.close();
     m_archive.addFile("t/out.zip", "");
     EXPECT_EQ((Tree{{"a", ""}}), readStream(ARXZipInputStream("t/out.zip")));
-}
-
-TEST_F(ARXZipFileTest, EndsWhereItAddsItselfByAnotherPath)
-{
-    writeTree({{"t/a", ""}});
-    m_archive.create("t/../t/out.zip");
-    m_archive.addDirectory("t", nullptr, true, true);
-    m_archive.close();
-    EXPECT_TRUE(run("unzip -t t/out.zip"));
 }
 
 timespec const s_lastAccess = {1600000000, 123456789};
@@ -179,20 +162,13 @@ TEST_F(ARXZipFileTest, WhatIsNoDateIsNotSet)
     }
 }
 
-TEST_F(ARXZipFileTest, FinishesWhatIsOpenBeforeWhatComesNext)
+TEST_F(ARXZipFileTest, FinishesWhatIsOpenBeforeAnotherArchive)
 {
-    {
-        ARXZipFile archive;
-        archive.create("one.zip");
-        open(archive, "a");
-        write(archive, "1");
-        open(archive, "b");
-        write(archive, "2");
-        archive.create("two.zip");
-        open(archive, "left open");
-    }
-    EXPECT_EQ((Tree{{"a", "1"}, {"b", "2"}}), readStream(ARXZipInputStream("one.zip")));
-    EXPECT_TRUE(run("unzip -t two.zip"));
+    m_archive.create("one.zip");
+    open(m_archive, "left open");
+    write(m_archive, "1");
+    m_archive.create("two.zip");
+    EXPECT_EQ((Tree{{"left open", "1"}}), readStream(ARXZipInputStream("one.zip")));
 }
 
 TEST_F(ARXZipFileTest, RefusesAPieceThatTakesTheEntryPast4GiB)

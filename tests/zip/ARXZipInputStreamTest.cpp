@@ -7,7 +7,6 @@
 
 #include "NEBCore/NEBByteBuffer.h"
 #include "NEBCore/NEBOutOfMemoryError.h"
-#include "zip/ARXZipInputStreamFramework.h"
 #include "zip/ARXZlibConstCharIO.h"
 #include "zip/ZipTools.h"
 
@@ -66,24 +65,6 @@ TEST_F(ARXZipInputStreamTest, WrongCallsFailWithTheirTexts)
     expectFailure("_NAMED(false, \"Cannot write to const char* buffer\");", 1,
                   [&] { table.zwrite_file(nullptr, &table.m_buffer, "x", 1); });
     EXPECT_THROW(stream.reset(), char const*);
-}
-
-TEST(ARXZlibConstCharIO, SeeksOntoItsBytesAlone)
-{
-    MemoryTable table("abcde");
-    auto const seek = [&](std::size_t from, long offset, int origin)
-    {
-        table.m_buffer.m_position = from;
-        long const result = table.zseek_file(nullptr, &table.m_buffer, static_cast<uLong>(offset), origin);
-        EXPECT_EQ(table.m_buffer.m_position == from ? -1 : 0, result);
-        return table.m_buffer.m_position;
-    };
-    EXPECT_EQ(4u, seek(0, 4, ZLIB_FILEFUNC_SEEK_SET));
-    EXPECT_EQ(3u, seek(3, 5, ZLIB_FILEFUNC_SEEK_SET));
-    EXPECT_EQ(2u, seek(3, -1, ZLIB_FILEFUNC_SEEK_CUR));
-    EXPECT_EQ(4u, seek(1, 0, ZLIB_FILEFUNC_SEEK_END));
-    EXPECT_EQ(1u, seek(1, -1, ZLIB_FILEFUNC_SEEK_END));
-    EXPECT_EQ(2u, seek(2, 0, 3));
 }
 
 // An archive that another tool writes to a pipe: after other bytes, with folders, sizes after the contents.
@@ -191,16 +172,4 @@ TEST_F(ARXZipInputStreamTest, NamesHaveLimits)
     expectFailure(tooLong, 1, [&] { stream.getCurrentEntryInfo(entry); });
 }
 
-TEST_F(ARXZipInputStreamTest, AClosedFrameworkReturnsFalse)
-{
-    makeArchive({"a"});
-    std::string const bytes = readAll("out.zip");
-    MemoryTable table(bytes);
-    ARXZipInputStreamFramework framework(&table);
-    EXPECT_TRUE(framework.openCurrentEntry());
-    framework.close();
-    framework.close();
-    EXPECT_FALSE(framework.getFirstEntry() || framework.getNextEntry() || framework.openCurrentEntry());
-    expectFailure("(m_zipFile);", 1, [&] { framework.read(); });
-}
 }  // namespace
