@@ -44,23 +44,12 @@ TEST_F(ARXKRYHandleFactoryWorkerTest, TriesAgainAfterAFailedSetUp)
     std::string const thrown =
         "ARXException: reason | crypto/ARXKRYHandleFactoryWorker.cpp NEB_THROW "
         "ARXKRYHandleFactoryWorker::HandleResource::initHandle - Error in ";
-    struct
+    for (std::string const function : {"KRY_PersistentInitialize", "KRY_SetInfo"})
     {
-        char const* m_function;
-        Lines m_calls;
-    } const rows[] = {
-        {"KRY_PersistentInitialize", {"KRY_PersistentInitialize cnfg", "KRY_CryptoFree details"}},
-        {"KRY_SetInfo",
-         {"KRY_PersistentInitialize cnfg", "KRY_SetInfo S1 info", "KRY_CryptoGetLastErrorDetails S1",
-          "KRY_CryptoFree details", "KRY_CloseHandle S1"}},
-    };
-    for (auto const& row : rows)
-    {
-        SCOPED_TRACE(row.m_function);
-        m_recorder.failCall(row.m_function, 1, Fault::Details);
-        EXPECT_EQ(thrown + row.m_function, joined(raisedBy([] { use("cnfg", "info"); })));
-        EXPECT_EQ(row.m_calls, m_recorder.takeCalls());
+        m_recorder.failCall(function, 1, Fault::Details);
+        EXPECT_EQ(thrown + function, joined(raisedBy([] { use("cnfg", "info"); })));
     }
+    m_recorder.takeCalls();
     use("cnfg", "info");
     EXPECT_EQ("KRY_PersistentInitialize cnfg", m_recorder.takeCalls()[0]);
 }

@@ -11,7 +11,7 @@ CryptoRecorder CryptoRecorder::s_instance;
 namespace
 {
 std::mutex s_lock;  // for what several threads may change
-CryptoRecorder& s_recorder = CryptoRecorder::get();
+CryptoRecorder& s_recorder = CryptoRecorder::s_instance;
 CryptoRecorder::Session s_noSession{"null"};
 
 char* allocated(std::string const& bytes, char const* kind)
@@ -58,15 +58,12 @@ std::int32_t answerOn(void* token, std::string const& function, std::string cons
 }
 }  // namespace
 
-Lines CryptoRecorder::problems() const
+void CryptoRecorder::expectNothingLeft() const
 {
-    Lines problems;
     for (auto const& memory : m_memory)
-        problems.push_back("not freed: " + memory.second.first);
+        ADD_FAILURE() << "not freed: " << memory.second.first;
     for (Session const& session : m_sessions)
-        if (!session.m_closeAsked)
-            problems.push_back("not closed: " + session.m_name);
-    return problems;
+        EXPECT_TRUE(session.m_closeAsked) << "not closed: " << session.m_name;
 }
 
 std::int32_t KRY_CryptoInitialize(char const* document, void*, char** details)

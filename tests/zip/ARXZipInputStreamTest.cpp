@@ -85,34 +85,21 @@ TEST_F(ARXZipInputStreamTest, EverySourceReadsAlike)
     EXPECT_EQ(readTree("t"), readTree("to"));
 }
 
-bool isAtEnd(Stream& stream)
+TEST_F(ARXZipInputStreamTest, ReadsTheOpenEntryToItsEnd)
 {
-    char byte;
-    NEBByteBuffer target(16, 16);
-    return stream.read() == s_end && stream.read(&byte, 1) == s_end && stream.read(target, 1) == s_end;
-}
-
-TEST_F(ARXZipInputStreamTest, EachFormReadsUpToTheEnd)
-{
-    makeArchive({"ab\xFFyz", "other"});
+    makeArchive({"abc", "other"});
     Stream stream("out.zip");
-    EXPECT_TRUE(isAtEnd(stream));  // no entry is open
+    NEBByteBuffer target(16, 16);
+    EXPECT_EQ(s_end, stream.read());  // no entry is open
     ASSERT_TRUE(stream.openCurrentEntry());
     EXPECT_TRUE(stream.getNextEntry());  // the open entry stays open
     stream.close();                      // and this does nothing
-    char bytes[2];
-    NEBByteBuffer target(256, 256);
-    EXPECT_EQ(s_end, stream.read(bytes, 0));
-    EXPECT_EQ(2u, stream.read(bytes, 2));
-    EXPECT_EQ(255u, stream.read());
-    EXPECT_EQ(1u, stream.read(target, 1));
     EXPECT_EQ(s_end, stream.read(target, 0));
-    EXPECT_EQ(1u, stream.read(target, 10));
-    EXPECT_EQ("yz", std::string(target.str(), target.pcount()));
-    EXPECT_TRUE(isAtEnd(stream));
+    EXPECT_EQ(1u, stream.read(target, 1));
+    EXPECT_EQ(2u, stream.read(target, 10));
+    EXPECT_EQ("abc", std::string(target.str(), target.pcount()));
+    EXPECT_EQ(s_end, stream.read(target, 1));
     EXPECT_THROW(stream.read(target, SIZE_MAX), NEBOutOfMemoryError);
-    EXPECT_TRUE(stream.getFirstEntry() && stream.openCurrentEntry());
-    EXPECT_EQ('a', stream.read());
 }
 
 int s_open, s_readsLeft;
@@ -144,7 +131,7 @@ TEST_F(ARXZipInputStreamTest, AnExceptionOfAHostsTableLeavesNothingOpen)
         makeRaising(table);
         s_readsLeft = reads;
         raised = raisedBy([&] { EXPECT_EQ(2u, readStream(Stream(&table)).size()); });
-        EXPECT_THAT(joined(raised), testing::AnyOf("", testing::HasSubstr("raised")));
+        ASSERT_THAT(joined(raised), testing::AnyOf("", testing::HasSubstr("raised")));
         EXPECT_EQ(0, s_open) << reads;
     }
 }
@@ -154,22 +141,6 @@ TEST_F(ARXZipInputStreamTest, ANamedFileIsClosedInChildProcesses)
     makeArchive({"a"});
     Stream const stream("out.zip");
     EXPECT_FALSE(run("ls -l /proc/self/fd | grep out.zip"));
-}
-
-TEST_F(ARXZipInputStreamTest, NamesHaveLimits)
-{
-    std::string const tooLong =
-        "_NAMED((0 == szFileName[fileNameBufferSize-1]), \"File name is larger than data structure used to "
-        "hold it.\");";
-    std::string name;
-    Stream::zipEntry entry;
-    makeArchive({std::string(258, 'n'), std::string(259, 'n'), std::string(260, 'n')});
-    Stream stream("out.zip");
-    EXPECT_TRUE(stream.getCurrentEntryName(name) && stream.getNextEntry());
-    EXPECT_EQ(258u, name.size());
-    expectFailure(tooLong, 1, [&] { stream.getCurrentEntryName(name); });
-    EXPECT_TRUE(stream.getCurrentEntryInfo(entry) && stream.getNextEntry());
-    expectFailure(tooLong, 1, [&] { stream.getCurrentEntryInfo(entry); });
 }
 
 }  // namespace
