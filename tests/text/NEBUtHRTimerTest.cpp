@@ -73,7 +73,6 @@ TEST_P(NEBUtHRTimerOn, CountsExactlyByPinnedReadings)
 }
 
 TimerRow const s_rows[] = {
-    {"LongestDirect", {0xC, 1, 10000000}, "pin 4, read, pin 90, ", 18446744073, 1844674407300},
     {"ShortestSplit", {0xC, 1, 10000000}, "pin 4, read, pin 90, ", 18446744074, 1844674407400},
     {"HighMask", {1ull << 33, 1, 7}, "pin 8589934592, read, pin 90, ", 129127208514, 18446744073428571428u},
     {"NoFrequency", {0xC, 1, 0}, "pin 4, read, pin 90, ", 5, 0},

@@ -1,7 +1,5 @@
 // Many threads on the crypto handles and on start and stop, seen by the recorder.
 
-#include <chrono>
-
 #include "NEBCore/NEBThrowable.h"
 #include "crypto/ARXKRYHandleFactory.h"
 #include "crypto/ARXSimpleKRYHandleIPtr.h"
@@ -61,14 +59,11 @@ TEST_F(StartThreadTest, StartsAndStopsNeverOverlap)
 TEST_F(HandleThreadTest, TwoSessionsWorkSideBySide)
 {
     std::atomic<int> inside{0};
-    auto const waitForTheOther = [&]
+    m_recorder.m_duringProtect = [&]
     {
         ++inside;
-        auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
-        while (inside != 2 && std::chrono::steady_clock::now() < end)
+        while (inside != 2)  // for ever if one session waits for the other
             std::this_thread::yield();
-        EXPECT_EQ(2, inside);
     };
-    m_recorder.m_duringProtect = waitForTheOther;
     onThreads(2, [](int number) { useHandle(std::to_string(number)); });
 }

@@ -24,6 +24,8 @@ TEST(ARXHelperEncoding, OfNullLeavesTheOutput)
     Lines const raised = raisedBy([&] { ARXHelper::urlEncode(nullptr, 2, output, false); });
     EXPECT_EQ("NEBAssertError: NEB_ASSERT(input);", raised.at(0));
     EXPECT_EQ(6u, output.pcount());
+    ARXHelper::urlEncode(nullptr, 0, output, false);
+    EXPECT_EQ(0u, output.pcount());
 }
 
 using ARXHelperBasePath = RecordedTest;

@@ -7,6 +7,7 @@
 
 #include "NEBCore/NEBByteBuffer.h"
 #include "NEBCore/NEBOutOfMemoryError.h"
+#include "zip/ARXZipInputStreamFramework.h"
 #include "zip/ARXZlibConstCharIO.h"
 #include "zip/ZipTools.h"
 
@@ -65,6 +66,18 @@ TEST_F(ARXZipInputStreamTest, WrongCallsFailWithTheirTexts)
     expectFailure("_NAMED(false, \"Cannot write to const char* buffer\");", 1,
                   [&] { table.zwrite_file(nullptr, &table.m_buffer, "x", 1); });
     EXPECT_THROW(stream.reset(), char const*);
+}
+
+TEST(ARXZlibConstCharIO, SeeksOntoItsBytesAlone)
+{
+    MemoryTable table("abcde");
+    auto const seek = [&](uLong offset, int origin)
+    { return table.zseek_file(nullptr, &table.m_buffer, offset, origin); };
+    EXPECT_EQ(0, seek(4, ZLIB_FILEFUNC_SEEK_SET));
+    EXPECT_EQ(-1, seek(5, ZLIB_FILEFUNC_SEEK_SET));
+    EXPECT_EQ(-1, seek(1, ZLIB_FILEFUNC_SEEK_END));
+    EXPECT_EQ(-1, seek(0, 3));  // no origin
+    EXPECT_EQ(4u, table.m_buffer.m_position);
 }
 
 // An archive that another tool writes to a pipe: after other bytes, with folders, sizes after the contents.
@@ -143,4 +156,15 @@ TEST_F(ARXZipInputStreamTest, ANamedFileIsClosedInChildProcesses)
     EXPECT_FALSE(run("ls -l /proc/self/fd | grep out.zip"));
 }
 
+TEST_F(ARXZipInputStreamTest, AFrameworkClosesOnce)
+{
+    makeArchive({"a"});
+    std::string const bytes = readAll("out.zip");
+    MemoryTable table(bytes);
+    ARXZipInputStreamFramework framework(&table);
+    framework.close();
+    framework.close();
+    EXPECT_FALSE(framework.getFirstEntry());
+    expectFailure("(m_zipFile);", 1, [&] { framework.read(); });
+}
 }  // namespace
