@@ -114,8 +114,7 @@ std::int32_t KRY_SetInfo(void* session, char const* setInfoDocument, void*)
 std::int32_t KRY_GetInfo(void* session, void* first, void* second, void*)
 {
     auto* const target = static_cast<char**>(second);
-    if (target)
-        *target = nullptr;
+    clear(target, nullptr);
     return inSession(session,
                      [&](KRYSession& open)
                      {
@@ -142,8 +141,7 @@ std::int32_t KRY_ProtectData(void* session, char const* data, std::uint32_t size
 std::int32_t KRY_UnprotectData(void* session, char const* data, std::uint32_t size, char** outData,
                                std::uint32_t* outSize, void*)
 {
-    std::uint32_t const wanted =
-        outSize && *outSize != 0 ? *outSize : std::uint32_t{KRYFileCipher::s_segmentSize};
+    std::size_t const wanted = outSize && *outSize != 0 ? *outSize : KRYFileCipher::s_segmentSize;
     clear(outData, outSize);
     return inSession(session,
                      [&](KRYSession& open)

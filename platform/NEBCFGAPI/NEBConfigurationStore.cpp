@@ -29,17 +29,18 @@ std::string trimmed(std::string const& text)
 std::string readText(std::string const& path)
 {
     OsFile file;
+    if (!file.open(path.c_str(), OsFile::s_read))
+        refuse(path, std::string(": ") + std::strerror(errno));
     std::string text;
-    std::int64_t count = file.open(path.c_str(), OsFile::s_read) ? 1 : -1;
-    for (char piece[4096]; count > 0 && (count = file.read(piece, sizeof piece)) > 0;)
+    char piece[4096];
+    std::int64_t count;
+    while ((count = file.read(piece, sizeof piece)) > 0)
         text.append(piece, static_cast<std::size_t>(count));
     if (count < 0)
         refuse(path, std::string(": ") + std::strerror(errno));
     return text;
 }
 }  // namespace
-
-NEBConfigurationStore::NEBConfigurationStore() : m_lock(0) {}
 
 NEBConfigurationStore& NEBConfigurationStore::getStore()
 {

@@ -31,11 +31,11 @@ public:
     void load(std::string const& path);
 
 private:
-    NEBConfigurationStore();
+    NEBConfigurationStore() = default;
 
     using Settings = std::map<I18NString, I18NString>;
 
-    NEBThreadCriticalSection m_lock;
+    NEBThreadCriticalSection m_lock{0};
     Settings m_settings NEB_GUARDED_BY(m_lock);
 };
 

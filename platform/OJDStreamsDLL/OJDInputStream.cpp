@@ -24,15 +24,10 @@ OJDInputStream::~OJDInputStream() = default;
 
 std::size_t OJDInputStream::read(char* buf, std::size_t n)
 {
-    return repeat(n,
-                  [&](std::size_t total, std::size_t) -> std::size_t
-                  {
-                      std::size_t const byte = read();
-                      if (byte == s_end)
-                          return s_end;
-                      buf[total] = static_cast<char>(byte);
-                      return 1;
-                  });
+    std::size_t count = 0;
+    for (std::size_t byte; count < n && (byte = read()) != s_end; ++count)
+        buf[count] = static_cast<char>(byte);
+    return count == 0 && n > 0 ? s_end : count;
 }
 
 std::size_t OJDInputStream::readFully(char* buf, std::size_t n)
