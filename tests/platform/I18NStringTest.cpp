@@ -18,6 +18,7 @@ std::u16string units(I18NString const& text)
 
 struct Utf8Row
 {
+    char const* m_name;
     char const* m_bytes;
     std::u16string m_units;
 };
@@ -25,19 +26,20 @@ struct Utf8Row
 TEST(I18NString, ReturnsTheBytesThatItTook)
 {
     Utf8Row const rows[] = {
-        {"", u""},
-        {"a\x7F", u"a\x7F"},
-        {"\xC2\x80\xDF\xBF", u"\x80\u07FF"},
-        {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", u"\u0800\uD7FF\uE000\uFFFF"},
-        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
-        {"\x80\xFF\xC0\x80\xC1\xBF", u"\xDC80\xDCFF\xDCC0\xDC80\xDCC1\xDCBF"},
-        {"\xE0\x9F\xBF\xED\xA0\x80", u"\xDCE0\xDC9F\xDCBF\xDCED\xDCA0\xDC80"},
-        {"\xF0\x8F\xBF\xBF\xF4\x90\x80\x80", u"\xDCF0\xDC8F\xDCBF\xDCBF\xDCF4\xDC90\xDC80\xDC80"},
-        {"\xE2\x82z\xF0\x9F\x98", u"\xDCE2\xDC82z\xDCF0\xDC9F\xDC98"}};
+        {"Empty", "", u""},
+        {"OneByteEach", "a\x7F", u"a\x7F"},
+        {"TwoBytesEach", "\xC2\x80\xDF\xBF", u"\x80\u07FF"},
+        {"ThreeBytesEach", "\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", u"\u0800\uD7FF\uE000\uFFFF"},
+        {"FourBytesEach", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
+        {"NoBytesOfUtf8", "\x80\xFF\xC0\x80\xC1\xBF", u"\xDC80\xDCFF\xDCC0\xDC80\xDCC1\xDCBF"},
+        {"TooLongOrSurrogate", "\xE0\x9F\xBF\xED\xA0\x80", u"\xDCE0\xDC9F\xDCBF\xDCED\xDCA0\xDC80"},
+        {"TooLongOrTooHigh", "\xF0\x8F\xBF\xBF\xF4\x90\x80\x80",
+         u"\xDCF0\xDC8F\xDCBF\xDCBF\xDCF4\xDC90\xDC80\xDC80"},
+        {"CutOff", "\xE2\x82z\xF0\x9F\x98", u"\xDCE2\xDC82z\xDCF0\xDC9F\xDC98"}};
     for (Utf8Row const& row : rows)
     {
-        EXPECT_EQ(row.m_units, units(I18NString(row.m_bytes))) << row.m_bytes;
-        EXPECT_STREQ(row.m_bytes, I18NString(row.m_bytes).c_str());
+        EXPECT_EQ(row.m_units, units(I18NString(row.m_bytes))) << row.m_name;
+        EXPECT_STREQ(row.m_bytes, I18NString(row.m_bytes).c_str()) << row.m_name;
     }
 }
 
@@ -72,25 +74,26 @@ TEST(I18NString, OffsetsBeyondTheEndCountAsTheEnd)
 
 struct ChangeRow
 {
+    char const* m_name;
     void (*m_change)(I18NString&);
     char const* m_text;
 };
 
 TEST(I18NString, EachChangeRenewsTheUtf8)
 {
-    ChangeRow const rows[] = {{[](I18NString& text) { text.append(u'x', 2); }, "abcxx"},
-                              {[](I18NString& text) { text.append(text); }, "abcabc"},
-                              {[](I18NString& text) { text.replace(1, 1, u'x', 3); }, "axxxc"},
-                              {[](I18NString& text) { text.erase(1, -1); }, "a"},
-                              {[](I18NString& text) { text.remove(); }, ""},
-                              {[](I18NString& text) { text = I18NString("moved"); }, "moved"},
-                              {[](I18NString& text) { text.setTo(u"new", 6); }, "new"}};
+    ChangeRow const rows[] = {{"AppendUnits", [](I18NString& text) { text.append(u'x', 2); }, "abcxx"},
+                              {"AppendItself", [](I18NString& text) { text.append(text); }, "abcabc"},
+                              {"Replace", [](I18NString& text) { text.replace(1, 1, u'x', 3); }, "axxxc"},
+                              {"Erase", [](I18NString& text) { text.erase(1, -1); }, "a"},
+                              {"Remove", [](I18NString& text) { text.remove(); }, ""},
+                              {"Move", [](I18NString& text) { text = I18NString("moved"); }, "moved"},
+                              {"SetTo", [](I18NString& text) { text.setTo(u"new", 6); }, "new"}};
     for (ChangeRow const& row : rows)
     {
         I18NString text("abc");
         text.c_str();
         row.m_change(text);
-        EXPECT_STREQ(row.m_text, text.c_str());
+        EXPECT_STREQ(row.m_text, text.c_str()) << row.m_name;
     }
 }
 
