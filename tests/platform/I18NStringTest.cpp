@@ -54,8 +54,8 @@ TEST(I18NString, TakesExternalForms)
         text.setTo(size ? u"abc" : nullptr, size);
         EXPECT_EQ(std::u16string(u"abc", size / 2).c_str(), units(text)) << size;
     }
-    text.setTo(u"\xD800x\xDFFF\xDBFF\xDC00", 10);  // lone surrogates, except the last two
-    EXPECT_STREQ("\xED\xA0\x80x\xED\xBF\xBF\xF4\x8F\xB0\x80", text.c_str());
+    text.setTo(u"\xD800x\xDC7F\xDFFF\xDBFF\xDC00", 12);  // lone surrogates, except the last two
+    EXPECT_STREQ("\xED\xA0\x80x\xED\xB1\xBF\xED\xBF\xBF\xF4\x8F\xB0\x80", text.c_str());
 }
 
 TEST(I18NString, OffsetsBeyondTheEndCountAsTheEnd)
