@@ -15,7 +15,7 @@ from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable
 
-ARXHOST = os.environ['ARXHOST']
+ARXHOST = os.path.abspath(os.environ['ARXHOST'])
 BIG = b''.join(b'needle %d%s' % (i, b' =\x80' if i % 7 else b'\n') for i in range(30000))
 SETTINGS = 'gatewayUrl=http://g/x\nexternalDispatcherUrl = http://e?x\n# comment\ndispatcherID=d1\n'
 
@@ -311,6 +311,11 @@ class SignedUrls(Scene):
 
 class Signals(Scene):
     """A signal in the midst of work leaves no trace, and ends the process as that signal does."""
+
+    def setUp(self):
+        super().setUp()
+        for name in signal.SIGINT, signal.SIGHUP:  # nohup and background jobs ignore them
+            self.addCleanup(signal.signal, name, signal.signal(name, signal.SIG_DFL))
 
     def files(self):
         return sorted(path for path in Path('.').rglob('*') if path.parts[0] != 'arxium')
