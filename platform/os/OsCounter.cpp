@@ -11,8 +11,8 @@ namespace
 std::int64_t constexpr s_ticksPerSecond = 1000000000;
 DWORD_PTR constexpr s_allOnes = ~DWORD_PTR{0};
 
-// What a mask of all ones stands for on this thread. The model places it in the
-// thread's own block: elsewhere, the first use in a library that was loaded later would allocate.
+// What a mask of all ones stands for on this thread. The model places it in the thread's own block:
+// elsewhere, the first use in a library that was loaded later would allocate.
 [[gnu::tls_model("initial-exec")]] thread_local cpu_set_t s_wideSet;
 
 // The first bytes of a set are its mask.
