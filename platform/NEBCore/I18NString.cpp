@@ -206,7 +206,8 @@ void I18NString::remove()
 
 void I18NString::changed()
 {
-    delete m_utf8.exchange(nullptr);
+    if (m_utf8)  // mostly not, and then without a bus lock
+        delete m_utf8.exchange(nullptr);
 }
 
 std::size_t I18NString::clamp(std::int32_t offset) const
