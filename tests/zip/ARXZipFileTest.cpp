@@ -109,9 +109,7 @@ std::time_t extractedTime()
 {
     setTimes(1600000000);
     ARXUnzipFile::unzip("out.zip", nullptr, false);
-    struct stat status
-    {
-    };
+    struct stat status;
     EXPECT_EQ(0, stat("f", &status));
     EXPECT_EQ(s_lastAccess.tv_nsec, status.st_atim.tv_nsec);
     return status.st_mtime == status.st_ctime ? s_notSet : status.st_mtime;
