@@ -23,8 +23,6 @@ TEST(ARXException, CopiesKeepAll)
     EXPECT_EQ(expected, raisedBy([&] { base.hurl(s_place, "operation", "NEB_THROW"); }));
     std::unique_ptr<NEBThrowable> const clone(error.clone());
     assigned = error;
-    ARXException& self = error;
-    error = self;
     error << s_two;
     EXPECT_EQ(expected, describe(*clone));
     EXPECT_EQ(expected, describe(assigned));
