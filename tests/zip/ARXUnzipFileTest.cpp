@@ -131,6 +131,7 @@ TEST_F(ARXUnzipFileTest, DosMarksFoldersWithoutContents)
     std::string const size0(4, '\0'), folder = "\x10", byUnix = "\x14\3";
     MarkRow const rows[] = {{"Folder", {{24, size0}, {38, folder}}, true},
                             {"WithContents", {{38, folder}}, false},
+                            {"EmptyFile", {{24, size0}}, false},
                             {"ByUnix", {{4, byUnix}, {24, size0}, {38, folder}}, false}};
     for (MarkRow const& row : rows)
     {

@@ -66,6 +66,13 @@ TEST_F(ARXZipFileTest, CallsNeedAnArchiveOrAnEntry)
     EXPECT_EQ(noFile, raisedBy([&] { m_archive.closeFileInZip(); }).at(0));
 }
 
+TEST_F(ARXZipFileTest, ReportsAFullDisk)
+{
+    m_archive.create("/dev/full");
+    open(m_archive, "n", 0);
+    EXPECT_EQ(s_notWritten, raisedBy([&] { write(m_archive, std::string(500000, 'x')); }).at(0));
+}
+
 TEST_F(ARXZipFileTest, NamesFollowTheBase)
 {
     std::string const b(10000, 'b');
