@@ -13,3 +13,10 @@ TEST(ARXDomWriterOJDOutputStream, PassesEveryCallOn)
     }
     EXPECT_EQ((Lines{"ab", "", "\n", "flush"}), target.m_calls);
 }
+
+TEST(ARXDomWriterOJDOutputStream, LosesWhatTheLastFlushRaises)
+{
+    RecordingOutputStream target;
+    target.m_refuses = 1;
+    ARXDomWriterOJDOutputStream writer(target);
+}
