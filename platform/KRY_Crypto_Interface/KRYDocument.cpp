@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 
 #include "KRY_Crypto_Interface/KRYError.h"
 
@@ -59,12 +60,14 @@ void takeOffset(std::string_view& text, std::uint64_t& offset)
 }
 }  // namespace
 
-std::string_view readServiceID(char const* text, std::string const& root)
+std::string_view readServiceID(char const* text, std::string_view root)
 {
     std::string_view id = withoutDeclaration(text);
-    if (!takeFront(id, "<" + root + "><serviceID>") || !takeBack(id, "</serviceID></" + root + ">") ||
-        id.find_first_of("<>&") != std::string_view::npos)
-        refuse("it is not " + root + " around one plain serviceID");
+    // Piece by piece, since the last stop must not need memory.
+    bool const fits = takeFront(id, "<") && takeFront(id, root) && takeFront(id, "><serviceID>") &&
+                      takeBack(id, ">") && takeBack(id, root) && takeBack(id, "</serviceID></");
+    if (!fits || id.find_first_of("<>&") != std::string_view::npos)
+        refuse("it is not " + std::string(root) + " around one plain serviceID");
     if (id.empty() || id.size() > s_serviceIDLimit)
         refuse("its service id does not have 1 to 255 bytes");
     return id;

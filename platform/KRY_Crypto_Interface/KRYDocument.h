@@ -8,7 +8,6 @@
 #define KRY_CRYPTO_INTERFACE_KRYDOCUMENT_H
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 enum class KRYAction
@@ -26,8 +25,8 @@ struct KRYSetUp
     std::uint64_t m_offset;       // where reading begins
 };
 
-// text may be null, which is refused. Both return parts of text.
-std::string_view readServiceID(char const* text, std::string const& root);
+// text may be null, which is refused. Both allocate nothing unless they raise, and return parts of text.
+std::string_view readServiceID(char const* text, std::string_view root);
 KRYSetUp readSetUp(char const* text);
 
 #endif

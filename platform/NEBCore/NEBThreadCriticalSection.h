@@ -1,7 +1,6 @@
 // A lock between the threads of one process. A thread that holds it must not lock it again.
 //
-// It is made for short work: a thread that finds it locked tries again for some microseconds before it
-// sleeps.
+// It is made for short work: a thread that finds it locked tries again for a moment before it sleeps.
 //
 // Example:
 //     NEBThreadCriticalSection section(0);

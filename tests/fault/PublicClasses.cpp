@@ -13,6 +13,7 @@
 #include <memory>
 #include <sstream>
 
+#include "KRY_Crypto_Interface/KRY_Crypto_Interface.h"
 #include "NEBCFGAPI/NEBConfigurationStore.h"
 #include "NEBCore/I18NString.h"
 #include "NEBCore/NEBByteBuffer.h"
@@ -50,7 +51,12 @@ void mustHold(bool holds, char const* rule)
 struct Running
 {
     Running() { Arxium::initialize(); }
-    ~Running() { Arxium::terminate(); }
+    ~Running()
+    {
+        Arxium::terminate();
+        char const stop[] = "<terminateDocument><serviceID>Arxium</serviceID></terminateDocument>";
+        mustHold(KRY_CryptoTerminate(stop, nullptr, nullptr) < 0, "the last stop needs no memory");
+    }
 };
 
 bool writeArchive()
