@@ -1,5 +1,7 @@
 #include "OutputFile.h"
 
+#include <algorithm>
+#include <climits>
 #include <iostream>
 
 #include "Failure.h"
@@ -30,7 +32,11 @@ void OutputFile::require(bool isDone) const
         failed(NEB_HERE, m_file.getFailure());
 }
 
+// A pipe takes PIPE_BUF bytes whole or not at all, so that a signal ends a write that waits for a reader. Of
+// more bytes a part may be written; the C library then goes on waiting with the rest.
 void printBytes(char const* data, std::size_t size)
 {
-    std::cout.write(data, static_cast<std::streamsize>(size));
+    for (std::size_t offset = 0; offset < size; offset += PIPE_BUF)
+        std::cout.write(data + offset,
+                        static_cast<std::streamsize>(std::min<std::size_t>(size - offset, PIPE_BUF)));
 }
