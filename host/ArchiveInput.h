@@ -22,7 +22,8 @@ class ArchiveInput
 public:
     using Entry = ARXZipInputStream::zipEntry;
 
-    // What is no regular file, such as a pipe, is read into memory first.
+    // Reads a regular file from its beginning, also as standard input. Anything else, such as a pipe, is read
+    // into memory first.
     explicit ArchiveInput(std::string const& path);
     ~ArchiveInput();
 
@@ -42,6 +43,8 @@ public:
     // goes on; raises in the end if anything was printed. Returns the number of entries.
     std::uint64_t visitEntries(std::function<void(Entry const&)> const& visit);
 
+    // As errors name the archive.
+    std::string const& getName() const { return m_name; }
     // Whether path is the file that the archive is read from.
     bool isSameFile(std::string const& path) const;
 

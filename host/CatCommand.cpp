@@ -17,13 +17,13 @@ int cat(CatOptions const& options)
     ArchiveInput archive(options.m_archive);
     while (archive.toNext())
     {
-        ArchiveInput::Entry const entry = naming(options.m_archive, [&] { return archive.readEntry(); });
+        ArchiveInput::Entry const entry = naming(archive.getName(), [&] { return archive.readEntry(); });
         if (!ARXFmDir::isEquivalentPath(entry.szFileName, options.m_name.c_str()))
             continue;
         naming(options.m_name, [&] { archive.copyEntry(entry, printBytes); });
         return 0;
     }
-    printError(options.m_archive + ": no entry " + options.m_name);
+    printError(archive.getName() + ": no entry " + options.m_name);
     return 1;
 }
 }  // namespace
@@ -32,6 +32,6 @@ void addCatCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] = addCommand(
         app, chosen, "cat", "Print an archive's entry; exit code 1 if there is none of that name", cat);
-    command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
-    command->add_option("NAME", options->m_name, "The entry's name; / and \\ are equal")->required();
+    addRequired(*command, "ARCHIVE", options->m_archive, "The archive, or - for standard input");
+    addRequired(*command, "NAME", options->m_name, "The entry's name; / and \\ are equal");
 }

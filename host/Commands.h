@@ -25,10 +25,16 @@ std::pair<CLI::App*, Options*> addCommand(CLI::App& app, Action& chosen, char co
     return {command, options.get()};
 }
 
-// For options: an empty value is mostly a variable that a script forgot to set.
+// A check of options and arguments: an empty value is mostly a variable that a script forgot to set.
 inline std::string refuseEmpty(std::string const& value)
 {
     return value.empty() ? "must not be empty" : "";
+}
+
+// Adds an option or argument that must be given, and not empty.
+inline void addRequired(CLI::App& command, char const* name, std::string& value, char const* description)
+{
+    command.add_option(name, value, description)->required()->check(refuseEmpty);
 }
 
 // Each adds its command to app and, when the user calls it, stores in chosen what is to be done.

@@ -9,7 +9,7 @@ struct Interrupted
     int m_signal;
 };
 
-// From now on these signals only leave a note, and SIGXFSZ none.
+// From now on these signals only leave a note, and SIGXFSZ does nothing.
 void watchSignals();
 // For loops that take long.
 void stopIfInterrupted();

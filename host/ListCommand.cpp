@@ -78,6 +78,6 @@ void addListCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "list", "List an archive, tabs between the columns", list);
-    command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
+    addRequired(*command, "ARCHIVE", options->m_archive, "The archive, or - for standard input");
     command->add_flag("--json", options->m_json, "Print an object of JSON for each entry, a line each");
 }

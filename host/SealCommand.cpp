@@ -36,22 +36,16 @@ void addSealCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "seal", "Write an encrypted copy of a file", seal);
-    command->add_option("FILE", options->m_source, "The file, or - for standard input")->required();
-    command->add_option("OUT", options->m_target, "The encrypted copy; an existing one is replaced")
-        ->required()
-        ->check(refuseEmpty);
+    addRequired(*command, "FILE", options->m_source, "The file, or - for standard input");
+    addRequired(*command, "OUT", options->m_target, "The encrypted copy; an existing one is replaced");
 }
 
 void addUnsealCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "unseal", "Write the contents of an encrypted file", unseal);
-    command->add_option("FILE", options->m_source, "The encrypted file")->required()->check(refuseEmpty);
-    command
-        ->add_option(
-            "OUT", options->m_target,
-            "The plain copy, for its owner alone unless it replaces a file; or - for standard output, "
-            "whose bytes count only if the exit code is 0")
-        ->required()
-        ->check(refuseEmpty);
+    addRequired(*command, "FILE", options->m_source, "The encrypted file");
+    addRequired(*command, "OUT", options->m_target,
+                "The plain copy, for its owner alone unless it replaces a file; or - for standard output, "
+                "whose bytes count only if the exit code is 0");
 }

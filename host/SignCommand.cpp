@@ -59,9 +59,8 @@ int check(CheckOptions const& options)
 void addSessionOption(CLI::App& command, std::string& session)
 {
     // Without a session, s would be the signature of the name alone, which k shows to everybody.
-    command.add_option("--session", session, "Identifier of the caller's session, which should begin with /")
-        ->required()
-        ->check(refuseEmpty);
+    addRequired(command, "--session", session,
+                "Identifier of the caller's session, which should begin with /");
 }
 }  // namespace
 
@@ -69,8 +68,7 @@ void addSignCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "sign", "Print the signed URL of a stored file", sign);
-    command->add_option("FILE", options->m_file, "The file; its directory does not enter the URL")
-        ->required();
+    addRequired(*command, "FILE", options->m_file, "The file; its directory does not enter the URL");
     addSessionOption(*command, options->m_session);
     command->add_flag("--dispatcher", options->m_dispatcher, "Use the external dispatcher's base path");
 }
@@ -79,7 +77,7 @@ void addCheckCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] = addCommand(
         app, chosen, "check", "Rebuild a signed URL and compare; exit code 1 if it is wrong", check);
-    command->add_option("URL", options->m_url, "The URL, with or without a base path")->required();
+    addRequired(*command, "URL", options->m_url, "The URL, with or without a base path");
     addSessionOption(*command, options->m_session);
     command->add_flag("--json", options->m_json, "Print the answer as an object of JSON");
 }

@@ -155,5 +155,5 @@ int tour(std::string const& file)
 void addTourCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, file] = addCommand(app, chosen, "tour", "Show the library at work on a file", tour);
-    command->add_option("FILE", *file, "The file")->required();
+    addRequired(*command, "FILE", *file, "The file");
 }

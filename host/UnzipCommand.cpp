@@ -3,6 +3,7 @@
 #include <iostream>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -57,8 +58,17 @@ void setDate(std::string const& path, ArchiveInput::Entry const& entry)
         systemFailed(NEB_HERE, path);
 }
 
+// Tells a file from all others, whatever links and spellings lead to it; zeros where there is none.
+using FileId = std::pair<dev_t, ino_t>;
+
+FileId identify(fs::path const& path)
+{
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 ? FileId(status.st_dev, status.st_ino) : FileId();
+}
+
 void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path const& folder, bool ignorePath,
-             Progress& progress, std::set<std::string>& extracted)
+             Progress& progress, std::set<FileId>& extracted)
 {
     fs::path relative = relativePath(entry.szFileName);
     if (isFolder(entry))
@@ -72,7 +82,7 @@ void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path c
     fs::path const target = folder / relative;
     if (archive.isSameFile(target))
         failed(NEB_HERE, "would replace the archive itself");
-    if (extracted.count(target) != 0)
+    if (extracted.count(identify(target)) != 0)
         failed(NEB_HERE, "would replace the file of another entry");
 
     makeFolder(target.parent_path());
@@ -84,8 +94,9 @@ void extract(ArchiveInput& archive, ArchiveInput::Entry const& entry, fs::path c
                           progress.addBytes(size);
                       });
     setDate(output.getPath(), entry);
+    FileId const id = identify(output.getPath());
     output.placeUnsynced();
-    extracted.insert(target);
+    extracted.insert(id);
     progress.addFile();
 }
 
@@ -111,7 +122,7 @@ int unzip(UnzipOptions const& options)
     try
     {
         Progress progress;
-        std::set<std::string> extracted;
+        std::set<FileId> extracted;
         count = archive.visitEntries(
             [&](ArchiveInput::Entry const& entry)
             { extract(archive, entry, folder, options.m_ignorePath, progress, extracted); });
@@ -132,7 +143,7 @@ void addUnzipCommand(CLI::App& app, Action& chosen)
     auto const [command, options] =
         addCommand(app, chosen, "unzip",
                    "Extract an archive; entries that can't be extracted are named, the others stay", unzip);
-    command->add_option("ARCHIVE", options->m_archive, "The archive, or - for standard input")->required();
+    addRequired(*command, "ARCHIVE", options->m_archive, "The archive, or - for standard input");
     command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given")
         ->check(refuseEmpty);
     command->add_flag("--ignore-path", options->m_ignorePath, "Put every file into the folder itself");

@@ -59,9 +59,10 @@ SourceFile describe(std::string const& path, std::string const& base)
         failed(NEB_HERE, path, "has 4 GiB or more, which an archive can't hold");
     if (file.m_name.size() > s_longestName)
         failed(NEB_HERE, path, "its name in the archive would have more than 258 bytes");
-    naming(path, [&] { relativePath(file.m_name); });  // raises for a name that unzip refuses
-    if (file.m_name.back() == '/')
-        failed(NEB_HERE, path, "would be a folder in the archive");
+    std::string const extracted = naming(path, [&] { return relativePath(file.m_name); });
+    if (extracted != file.m_name)
+        failed(NEB_HERE, path,
+               "would be \"" + file.m_name + "\" in the archive, but \"" + extracted + "\" when extracted");
     return file;
 }
 
@@ -271,12 +272,9 @@ void addZipCommand(CLI::App& app, Action& chosen)
 {
     auto const [command, options] =
         addCommand(app, chosen, "zip", "Pack a directory tree into a new archive", zip);
-    command
-        ->add_option("ARCHIVE", options->m_archive,
-                     "The archive; an existing one is replaced, but only by one that holds every file")
-        ->required()
-        ->check(refuseEmpty);
-    command->add_option("DIR", options->m_directory, "The directory")->required();
+    addRequired(*command, "ARCHIVE", options->m_archive,
+                "The archive; an existing one is replaced, but only by one that holds every file");
+    addRequired(*command, "DIR", options->m_directory, "The directory");
     CLI::Option* base =
         command->add_option("--base", options->m_base, "Name entries relative to this directory");
     base->check(refuseEmpty);

@@ -63,7 +63,7 @@ int refuseUsage(CLI::App const& app, CLI::ParseError const& error)
 int work(Action const& action)
 {
     std::cout.exceptions(std::ios::badbit);
-    std::cerr.tie(nullptr);  // or an error's line would raise that of standard output
+    std::cerr.tie(nullptr);  // or printError would flush standard output, and raise what fails there
     try
     {
         int const exitCode = action();
@@ -78,7 +78,7 @@ int work(Action const& action)
     systemFailed(NEB_HERE, "standard output");
 }
 
-// Nothing that work has begun is alive when its failure is reported.
+// What work began is undone before a failure is reported: dieBySignal runs no destructor.
 int report(bool isTraced, Action const& action)
 {
     try
