@@ -128,7 +128,7 @@ void ArchiveInput::open(std::string const& path)
     bool const isFound = path == "-" ? fstat(STDIN_FILENO, &status) == 0 : stat(path.c_str(), &status) == 0;
     if (isFound && S_ISREG(status.st_mode))
         m_file.reset(path == "-" ? stdin : std::fopen(path.c_str(), "rbe"));
-    else  // opened once: the writer of a pipe comes but once
+    else  // opened only once: a second open would wait for another writer
     {
         readFile(path, [this](char const* data, std::size_t size) { m_bytes.append(data, size); });
         m_file.reset(fmemopen(m_bytes.data(), m_bytes.size(), "rb"));

@@ -140,9 +140,10 @@ int unzip(UnzipOptions const& options)
 
 void addUnzipCommand(CLI::App& app, Action& chosen)
 {
-    auto const [command, options] =
-        addCommand(app, chosen, "unzip",
-                   "Extract an archive; entries that can't be extracted are named, the others stay", unzip);
+    auto const [command, options] = addCommand(app, chosen, "unzip",
+                                               "Extract an archive, in place of files of the same names; "
+                                               "entries that can't be extracted are named, the others stay",
+                                               unzip);
     addRequired(*command, "ARCHIVE", options->m_archive, "The archive, or - for standard input");
     command->add_option("FOLDER", options->m_folder, "Where to; beside the archive if not given")
         ->check(refuseEmpty);

@@ -273,7 +273,7 @@ void addZipCommand(CLI::App& app, Action& chosen)
     auto const [command, options] =
         addCommand(app, chosen, "zip", "Pack a directory tree into a new archive", zip);
     addRequired(*command, "ARCHIVE", options->m_archive,
-                "The archive; an existing one is replaced, but only by one that holds every file");
+                "The archive; an existing one is replaced, but only by one that holds every regular file");
     addRequired(*command, "DIR", options->m_directory, "The directory");
     CLI::Option* base =
         command->add_option("--base", options->m_base, "Name entries relative to this directory");

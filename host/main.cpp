@@ -22,7 +22,7 @@ int constexpr s_exitFailure = 2;
 char const* const s_exitCodes =
     "0: done, or the answer is yes. 1: the answer is no. 2: failure, told on standard error in a line each, "
     "\"arxhost: COMMAND: OBJECT: REASON\". SIGHUP, SIGINT, SIGPIPE and SIGTERM end the work, remove what is "
-    "not complete, and show as 128 and the signal's number.";
+    "not complete, and show in a shell as 128 plus the signal's number.";
 
 struct GlobalOptions
 {
