@@ -1,5 +1,8 @@
 #include "url/ARXUriDispatchHelper.h"
 
+#include "crypto/ARXKRYHandleFactory.h"
+#include "crypto/ARXKRYHandleFactoryWorkerI.h"
+#include "crypto/ARXKRYHandleI.h"
 #include "support/CryptoRecorder.h"
 
 namespace
@@ -45,6 +48,8 @@ TEST_F(ARXUriDispatchHelperTest, BeginsWithTheBasePathAskedFor)
     std::string url = "before";
     ARXUriDispatchHelper::genGatewayUrlForFile("file", url, "/id", true);
     EXPECT_EQ(std::string("ga/te") + s_query, url);
+    ARXUriDispatchHelper::genUrlForFile("file", url, "/id", true);
+    EXPECT_EQ(std::string("ga/te") + s_query, url);
     ARXUriDispatchHelper::genExternalDispatcherUrlForFile("file", url, "/id", true);
     EXPECT_EQ(std::string("disp") + s_query, url);
     ARXUriDispatchHelper::genExternalDispatcherUrlForFile("file", url, "/id", false);
@@ -76,5 +81,17 @@ TEST_F(ARXUriDispatchHelperTest, NoticesARefusedSignature)
         m_recorder.failCall("KRY_ProtectData", call, Fault::Status);
         EXPECT_EQ("NEBAssertError: NEB_ASSERT(KRY_SUCCEEDED(status));", raisedFor("file", "/id")) << call;
     }
+}
+
+TEST_F(ARXUriDispatchHelperTest, NoticesAFactoryWithoutHandles)
+{
+    struct NoHandles final : ARXKRYHandleFactoryWorkerI
+    {
+        ARXSimpleKRYHandleI* createHandle(char const*, char const*) override { return nullptr; }
+        ARXKRYHandleI* createHandle() override { return nullptr; }
+        void destroyHandle(ARXSimpleKRYHandleI*) override {}
+    } noHandles;
+    ARXKRYHandleFactory::setFactoryWorker(&noHandles);
+    EXPECT_EQ("NEBAssertError: NEB_ASSERT(handle.get());", raisedFor("file", "/id"));
 }
 }  // namespace
