@@ -40,8 +40,8 @@ using KRYText = std::unique_ptr<char, KRYFree>;
 // nothing but the text: lack of memory costs that, never the status.
 KRYStatus tellFailure(KRYText& text) noexcept;
 
-// Runs work and keeps the text of what it raises. Exceptions that are kept would use up the little memory
-// that is set aside to raise more of them when there is no other.
+// Runs work and keeps the text of what it raises. The exception itself could hold a part of the
+// small reserve from which exceptions are made when there is no memory.
 template <class Work>
 void keepReason(KRYText& reason, Work work)
 {

@@ -24,7 +24,8 @@ public:
     void stop(char const* document);
     void* open(char const* document);
 
-    // Calls work with the reason why the last start failed; null if it succeeded.
+    // Calls work with the reason why the last start failed; null if it succeeded or there was no
+    // memory to keep it.
     template <class Work>
     void withStartFailure(Work work)
     {

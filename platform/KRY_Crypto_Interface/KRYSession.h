@@ -42,7 +42,7 @@ public:
     // Of the file that unprotect reads. Raises if the session reads none.
     KRYFileReader& getReader() const;
 
-    // Why the last call that failed did so; null if none has.
+    // Why the last call that failed did so; null if none has or there was no memory to keep it.
     KRYText& getLastFailure() { return m_lastFailure; }
 
 private:
