@@ -19,6 +19,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
 # A package of its own, of use where the build type keeps debug information, as RelWithDebInfo does.
 set(CPACK_DEBIAN_RUNTIME_DEBUGINFO_PACKAGE ON)
+set(CPACK_POST_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/ArxiumDebugPackages.cmake")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libarxiumcommon-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
