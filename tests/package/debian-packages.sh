@@ -4,9 +4,12 @@
 set -eu
 rm -rf "$2" && mkdir -p "$2"
 cpack --config "$1/CPackConfig.cmake" -B "$2/packages" > "$2/cpack.log" || { cat "$2/cpack.log"; exit 1; }
-for package in "$2"/packages/*.deb; do
+rm -r "$2/packages/_CPack_Packages"  # what the packages are made from
+for package in "$2"/packages/*deb; do
     dpkg-deb --field "$package" Package Version Depends
     dpkg -x "$package" "$2/root"
+    dpkg-deb --ctrl-tarfile "$package" | tar -xO ./md5sums > "$2/md5sums"
+    (cd "$2/root" && md5sum --check --quiet ../md5sums)
 done
 dpkg-deb --field "$2"/packages/libarxiumcommon1_*.deb Depends | grep -q 'libminizip1.*libssl3'
 dpkg-deb --field "$2"/packages/libarxiumcommon-dev_*.deb Depends | grep -q 'libarxiumcommon1 (= .*libminizip-dev'
