@@ -124,7 +124,6 @@ int run(int argc, char** argv)
     // The 268 KB that minizip frees after each entry stay in the process: 400 small files take a third of the
     // time.
     mallopt(M_TRIM_THRESHOLD, 64 << 20);
-    watchSignals();
     occupyStandardStreams();
 
     CLI::App app("Sample host of the ArxiumCommon library.", "arxhost");
@@ -145,13 +144,15 @@ int run(int argc, char** argv)
         return refuseUsage(app, error);
     }
     setCommandName(app.get_subcommands().front()->get_name());
-    return report(options.m_trace,
-                  [&]
-                  {
-                      if (!options.m_config.empty())
-                          NEBConfigurationStore::getStore().load(options.m_config);
-                      return chosen();
-                  });
+    return report(
+        options.m_trace,
+        [&]
+        {
+            if (!options.m_config.empty())
+                NEBConfigurationStore::getStore().load(options.m_config);
+            watchSignals();  // only now: a signal ends at once what waits for the settings of a pipe
+            return chosen();
+        });
 }
 }  // namespace
 

@@ -111,6 +111,7 @@ ROWS = [
         errors='.*: none: No such file .*\n.*: dir: Is a directory\n.*: keyless:3: no "key=value"\n'
         '.*: twice:2: "a" is set twice\n',
         set_up=lambda: (Path('keyless').write_text('a=1\n\n=2'), Path('twice').write_text('a=1\na=2'))),
+    Row('LetsASignalEndTheWaitForSettings', 'mkfifo p; timeout -k 9 0.2 $A --config p checksum x', 124),
     Row('TakesItsTour', '$A tour dir/f.txt', 0,
         r'(.*\n)*.*checked: right\n(.*\n)*.*copy refused\n.*stopped\n'),
 
@@ -204,7 +205,7 @@ ROWS = [
 
     Row('UnzipsFromStreams', '$A unzip - o1 < z.zip; cat z.zip | $A unzip - o2; cat o1/a o2/a; $A unzip - < z.zip', 2,
         '1 entries\n1 entries\n11', 'arxhost: unzip: FOLDER is required .*\n', set_up=archive(z={'a': b'1'})),
-    Row('ReadsANamedPipeOnce', 'mkfifo p; for i in 1 2 3 4 5 6; do cat z.zip > p & timeout 9 "$A" cat p a; done', 0, '111111',
+    Row('ReadsANamedPipeOnce', 'mkfifo p; for i in 1 2 3 4 5 6; do cat z.zip > p & timeout 9 $A cat p a; done', 0, '111111',
         set_up=archive(z={'a': b'1'})),
     Row('UnzipNamesFoldersThatHoldData', '$A unzip z.zip out', 2,
         errors='(arxhost: unzip: [ab].: is named as a folder, .*\n){2}.*\n', set_up=archive(z={'a/': b'1', 'b\\': b'2'})),
