@@ -31,7 +31,7 @@ std::size_t findQuery(std::string const& url)
                                                                                       : std::string::npos;
 }
 
-// The values after the four introductions. Empty if they do not all stand in the URL, in their order.
+// The values after the four introductions. Empty unless the URL has all four, in this order.
 std::vector<std::string> splitValues(std::string const& url)
 {
     std::vector<std::string> values;

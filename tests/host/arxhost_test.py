@@ -221,7 +221,7 @@ ROWS = [
         'arxhost: unzip: z.zip: would replace the archive itself\n.*\n', set_up=archive(z={'z.zip': b'1'})),
     Row('UnzipNeitherWaitsNorGivesUp', 'mkdir out; mkfifo out/fifo; $A unzip z.zip out; cat out/ok', 0, '2',
         'arxhost: unzip: fifo: .*not a regular file.*\n.*\n', set_up=archive(z={'fifo': b'1', 'ok': b'2'})),
-    Row('UnzipNamesWhatStandsInTheWay', 'mkdir -p out/a; echo > out/b; $A unzip z.zip out; cat out/d', 0, '3',
+    Row('UnzipNamesWhatIsInTheWay', 'mkdir -p out/a; echo > out/b; $A unzip z.zip out; cat out/d', 0, '3',
         '.*unzip: a: .*not a regular file.*\n.*unzip: b/c: out/b: Not a directory\n.*2 of 3 .*\n',
         set_up=archive(z={'a': b'1', 'b/c': b'2', 'd': b'3'})),
     Row('UnzipStaysInItsFolder', '$A unzip z.zip in/out; find . -type f | grep -v -e dir/ | sort', 0, './big\n./conf\n./in/out/..x\n./in/out/b\n./z.zip\n',
