@@ -50,7 +50,7 @@ Unit const* units(Text const& text)
     return reinterpret_cast<Unit const*>(text.c_str());
 }
 
-Unit const* unitsAt(ARNEBI18NBuffer const& buffer, std::size_t at)
+Unit const* unitsAt(ARNEBI18NBuffer const& buffer, std::uint64_t at)
 {
     return static_cast<Unit const*>(buffer.getBuffer()) + at;
 }
