@@ -85,6 +85,12 @@ def checksum(text):
     return '%08x\n' % zlib.crc32((text + '\0').encode(order))
 
 
+def require_this_machine():
+    machines = {Path(program).read_bytes()[18:20] for program in ('/proc/self/exe', ARXHOST)}
+    if len(machines) > 1:
+        raise unittest.SkipTest('an emulator opens the streams that are closed')
+
+
 def sealed_file():
     subprocess.run([ARXHOST, 'seal', 'big', 'sealed'], check=True)
 
@@ -121,7 +127,8 @@ ROWS = [
     Row('UnsealsByTheNameThatItSealed', "mkdir a; $A seal big 'a\\b' && $A unseal 'a\\b' - | cmp - big"),
     Row('RefusesStreamsThatCannotBe', '$A seal big -; $A unseal - p; $A zip - dir', 2,
         errors="(arxhost: \\w+: an .* can't .*\n){3}"),
-    Row('TellsAClosedInput', '$A seal - s <&-', 2, errors='arxhost: seal: standard input: Bad file descriptor\n'),
+    Row('TellsAClosedInput', '$A seal - s <&-', 2, errors='arxhost: seal: standard input: Bad file descriptor\n',
+        set_up=require_this_machine),
     Row('KeepsUnsealedDataPrivate', 'umask 0; $A unseal sealed p; stat -c %a p', 0, '600\n', set_up=sealed_file),
     Row('KeepsTheModeOfAReplacedFile', 'echo > o; chmod 640 o; $A seal big o; stat -c %a o', 0, '640\n'),
     Row('RefusesLinksAndFoldersAsTargets', 'echo old > l; ln -s l o; for name in o dir/; do $A seal big $name; '
